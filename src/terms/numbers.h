@@ -67,6 +67,7 @@ class QNumber {
   QNumber operator-(const QNumber& o) const;
   QNumber operator*(const QNumber& o) const;
   QNumber operator/(const QNumber& o) const;
+
   QNumber operator-() const { return neg(); }
 
   QNumber neg() const;
@@ -92,7 +93,9 @@ class QNumber {
   // integers.
   bool fits(int bits) const;
   bool is_integer() const;
+
   bool is_zero() const { return d_den != 0 && d_num == 0; }
+
   int sign() const;
   // Returns: the value as a machine integer; requires fits(64) and an
   // integral value.
@@ -102,17 +105,28 @@ class QNumber {
 
   // Comparison, across small and big forms.
   bool operator==(const QNumber& o) const;
+
   bool operator!=(const QNumber& o) const { return !(*this == o); }
+
   bool operator<(const QNumber& o) const;
+
   bool operator<=(const QNumber& o) const { return !(o < *this); }
+
   bool operator>(const QNumber& o) const { return o < *this; }
+
   bool operator>=(const QNumber& o) const { return !(*this < o); }
+
   bool operator==(long o) const;
+
   bool operator!=(long o) const { return !(*this == o); }
+
   bool operator<(long o) const;
   bool operator>(long o) const;
+
   bool operator<=(long o) const { return !(*this > o); }
+
   bool operator>=(long o) const { return !(*this < o); }
+
   int compare(const QNumber& o) const;
 
   // Interface. Equal values hash equally in both forms.
