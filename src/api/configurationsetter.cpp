@@ -157,6 +157,8 @@ struct FieldPrinter {
 };
 
 OptionParser::Kind kind_of(const OptionDef& def) {
+  static_assert(std::variant_size_v<OptionDef::Field> == 5,
+                "one kind per field type");
   static const OptionParser::Kind kinds[] = {OptionParser::Kind::Bool,
                                              OptionParser::Kind::Int,
                                              OptionParser::Kind::Int,
