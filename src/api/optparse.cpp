@@ -182,16 +182,15 @@ void OptionParser::parse_args(int argc,
       positional.push_back(arg);
       continue;
     }
-    parse_arg(arg, priority);
-    const Option* help = get_option("help");
-    if (help != nullptr && help->kind == Kind::Flag && help->set) {
+    if (parse_arg(arg, priority) == "help") {
       return;
     }
   }
 }
 
 // One "-name[=value]" argument, with the Boolean spellings of the style.
-void OptionParser::parse_arg(const std::string& arg, int priority) {
+// Returns: the name of the option set.
+std::string OptionParser::parse_arg(const std::string& arg, int priority) {
   size_t start = (arg.compare(0, 2, "--") == 0) ? 2 : 1;
   size_t eq = arg.find('=', start);
   std::string name = arg.substr(start, eq - start);
@@ -203,7 +202,7 @@ void OptionParser::parse_arg(const std::string& arg, int priority) {
     const Option* positive = get_option(name.substr(3));
     if (positive != nullptr && positive->kind == Kind::Bool) {
       parse_option(name.substr(3), "false", priority, arg);
-      return;
+      return name.substr(3);
     }
   }
   if (opt != nullptr && opt->kind == Kind::Bool) {
@@ -215,6 +214,7 @@ void OptionParser::parse_arg(const std::string& arg, int priority) {
     value = lowercase(value);
   }
   parse_option(name, value, priority, arg);
+  return name;
 }
 
 bool OptionParser::has_option(const std::string& name) const {

@@ -127,7 +127,7 @@ class OptionParser {
 
  private:
   Option* find(const std::string& name);
-  void parse_arg(const std::string& arg, int priority);
+  std::string parse_arg(const std::string& arg, int priority);
   std::string option_label(const Option& opt) const;
 
   OptionBoolStyle d_style;
