@@ -11,7 +11,7 @@ using namespace zenlo;
 namespace {
 
 std::string version_id() {
-  return std::string(ZENLO_VERSION_STRING) + " (" + "src" + ")";
+  return std::string(ZENLO_VERSION_STRING) + " (" + ZENLO_REVISION + ")";
 }
 
 }  // namespace
