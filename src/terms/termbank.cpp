@@ -18,10 +18,18 @@ size_t node_bytes(size_t arity) {
 
 }  // namespace
 
+// The fold h ^= (h >> 2) + (h << 6) + id, started from the symbol's id.
+// Ids are small and dense, and folded as they are they collide massively:
+// the applications of one binary symbol to the first 4096 x 245 pairs of
+// ids share about 20,000 hash values, so chains of equal hashes formed and
+// every probe dereferenced dozens of nodes. Spreading each child id over
+// the word by a multiplication with an odd constant first makes the hashes
+// of such pairs all distinct.
 size_t TermBank::NodeHash::operator()(const Term_* t) const {
+  constexpr size_t kSpread = 0x9e3779b97f4a7c15ull;
   size_t h = t->get_symbol()->get_id();
   for (const Term_* c : *t) {
-    h ^= (h >> 2) + (h << 6) + c->get_id();
+    h ^= (h >> 2) + (h << 6) + c->get_id() * kSpread;
   }
   return h;
 }
