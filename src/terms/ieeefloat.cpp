@@ -54,6 +54,33 @@ bool rounds_up(RoundingMode mode, Rest rest, bool odd, bool negative) {
   return false;
 }
 
+// Returns: floor(log2(p / d)) for p, d > 0, from the bit lengths and one
+// comparison.
+long floor_log2(const mpz_t p, const mpz_t d) {
+  long e = static_cast<long>(mpz_sizeinbase(p, 2))
+           - static_cast<long>(mpz_sizeinbase(d, 2));
+  return compare_scaled(p, d, e) < 0 ? e - 1 : e;
+}
+
+// n = floor(p * 2^shift / d); returns where the remainder lies.
+Rest divide_scaled(const mpz_t p, const mpz_t d, long shift, mpz_t n) {
+  Mpz num, den, r;
+  mpz_set(num.v, p);
+  mpz_set(den.v, d);
+  if (shift >= 0) {
+    mpz_mul_2exp(num.v, num.v, static_cast<mp_bitcnt_t>(shift));
+  } else {
+    mpz_mul_2exp(den.v, den.v, static_cast<mp_bitcnt_t>(-shift));
+  }
+  mpz_tdiv_qr(n, r.v, num.v, den.v);
+  if (mpz_sgn(r.v) == 0) {
+    return Rest::Exact;
+  }
+  mpz_mul_2exp(r.v, r.v, 1);
+  int c = mpz_cmp(r.v, den.v);
+  return c < 0 ? Rest::BelowHalf : (c == 0 ? Rest::Half : Rest::AboveHalf);
+}
+
 }  // namespace
 
 void IEEEFloat::check_format(Format f) {
@@ -67,6 +94,10 @@ uint64_t IEEEFloat::max_exp_field() const {
   return (uint64_t(1) << d_format.exp_w) - 1;
 }
 
+// The magnitude p / d is scaled to an integer significand n with mant_w
+// bits after the point at exponent es (es clamped to the subnormal
+// exponent), rounded by the remainder, and renormalised once if rounding
+// carried into a new bit.
 IEEEFloat::IEEEFloat(Format format, const QNumber& value, RoundingMode mode)
     : d_format(format) {
   check_format(format);
@@ -77,7 +108,7 @@ IEEEFloat::IEEEFloat(Format format, const QNumber& value, RoundingMode mode)
   mpq_t q;
   mpq_init(q);
   value.to_mpq(q);
-  Mpz p, d;
+  Mpz p, d, n;
   mpz_abs(p.v, mpq_numref(q));
   mpz_set(d.v, mpq_denref(q));
   mpq_clear(q);
@@ -85,73 +116,50 @@ IEEEFloat::IEEEFloat(Format format, const QNumber& value, RoundingMode mode)
   const long m = static_cast<long>(format.mant_w);
   const long bias = (1L << (format.exp_w - 1)) - 1;
   const long emin = 1 - bias;
-  const long emax = bias;
-  // e = floor(log2(p / d)), from the bit lengths and one comparison.
-  long e = static_cast<long>(mpz_sizeinbase(p.v, 2))
-           - static_cast<long>(mpz_sizeinbase(d.v, 2));
-  if (compare_scaled(p.v, d.v, e) < 0) {
-    --e;
-  }
-  const bool overflow_now = e > emax;
-  long es = e < emin ? emin : e;
-  Mpz n;
-  Rest rest = Rest::BelowHalf;
-  if (e < emin - m - 1) {
-    // Below half the smallest subnormal: n is 0 and the rest is a nonzero
-    // fraction under one half. Shifting by the exponent range here could
-    // take astronomic memory for wide exponents.
-  } else if (!overflow_now) {
-    // n = floor(p * 2^(m - es) / d), the significand with m bits after the
-    // point at exponent es.
-    Mpz num, den, r;
-    long shift = m - es;
-    mpz_set(num.v, p.v);
-    mpz_set(den.v, d.v);
-    if (shift >= 0) {
-      mpz_mul_2exp(num.v, num.v, static_cast<mp_bitcnt_t>(shift));
-    } else {
-      mpz_mul_2exp(den.v, den.v, static_cast<mp_bitcnt_t>(-shift));
-    }
-    mpz_tdiv_qr(n.v, r.v, num.v, den.v);
-    mpz_mul_2exp(r.v, r.v, 1);
-    int c = mpz_sgn(r.v) == 0 ? -2 : mpz_cmp(r.v, den.v);
-    rest = c == -2 ? Rest::Exact
-                   : (c < 0 ? Rest::BelowHalf
-                            : (c == 0 ? Rest::Half : Rest::AboveHalf));
-  }
-  bool overflow = overflow_now;
-  if (!overflow) {
-    if (rounds_up(mode, rest, mpz_odd_p(n.v) != 0, d_sign)) {
-      mpz_add_ui(n.v, n.v, 1);
-      if (mpz_sizeinbase(n.v, 2) > static_cast<size_t>(m + 1)) {
-        mpz_fdiv_q_2exp(n.v, n.v, 1);
-        ++es;
-      }
-    }
-    overflow = es > emax;
-  }
-  if (overflow) {
-    // Infinity unless the mode rounds toward zero on this side: then the
-    // largest finite value.
-    bool to_inf = mode == RoundingMode::NearestEven
-                  || (mode == RoundingMode::PlusInf && !d_sign)
-                  || (mode == RoundingMode::MinusInf && d_sign);
-    d_exp = to_inf ? max_exp_field() : max_exp_field() - 1;
-    Mpz frac;
-    if (!to_inf) {
-      mpz_setbit(frac.v, static_cast<mp_bitcnt_t>(m));
-      mpz_sub_ui(frac.v, frac.v, 1);
-    }
-    d_frac = to_qnumber(frac.v);
+  const long e = floor_log2(p.v, d.v);
+  if (e > bias) {
+    set_overflow(mode);
     return;
   }
-  if (mpz_sizeinbase(n.v, 2) == static_cast<size_t>(m + 1)) {
-    d_exp = static_cast<uint64_t>(es + bias);
-    mpz_clrbit(n.v, static_cast<mp_bitcnt_t>(m));
-  } else {
-    d_exp = 0;  // subnormal or zero: es is emin here
+  long es = e < emin ? emin : e;
+  // Below half the smallest subnormal n is 0 and the rest under one half;
+  // scaling there could take astronomic memory for wide exponents.
+  Rest rest =
+      e < emin - m - 1 ? Rest::BelowHalf : divide_scaled(p.v, d.v, m - es, n.v);
+  if (rounds_up(mode, rest, mpz_odd_p(n.v) != 0, d_sign)) {
+    mpz_add_ui(n.v, n.v, 1);
+    if (mpz_sizeinbase(n.v, 2) > static_cast<size_t>(m + 1)) {
+      mpz_fdiv_q_2exp(n.v, n.v, 1);
+      ++es;
+    }
   }
+  if (es > bias) {
+    set_overflow(mode);
+    return;
+  }
+  // A significand of m + 1 bits is normal; a shorter one is subnormal (or
+  // zero) and es is the subnormal exponent.
+  bool normal = mpz_sizeinbase(n.v, 2) == static_cast<size_t>(m + 1);
+  if (normal) {
+    mpz_clrbit(n.v, static_cast<mp_bitcnt_t>(m));
+  }
+  d_exp = normal ? static_cast<uint64_t>(es + bias) : 0;
   d_frac = to_qnumber(n.v);
+}
+
+// Infinity unless the mode rounds toward zero on this side: then the
+// largest finite value.
+void IEEEFloat::set_overflow(RoundingMode mode) {
+  bool to_inf = mode == RoundingMode::NearestEven
+                || (mode == RoundingMode::PlusInf && !d_sign)
+                || (mode == RoundingMode::MinusInf && d_sign);
+  d_exp = to_inf ? max_exp_field() : max_exp_field() - 1;
+  Mpz frac;
+  if (!to_inf) {
+    mpz_setbit(frac.v, static_cast<mp_bitcnt_t>(d_format.mant_w));
+    mpz_sub_ui(frac.v, frac.v, 1);
+  }
+  d_frac = to_qnumber(frac.v);
 }
 
 IEEEFloat IEEEFloat::from_bits(Format format, const QNumber& bits) {

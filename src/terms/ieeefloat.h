@@ -80,6 +80,7 @@ class IEEEFloat {
       : d_format(format), d_sign(sign), d_exp(exp), d_frac(frac) {}
 
   static void check_format(Format format);
+  void set_overflow(RoundingMode mode);
   uint64_t max_exp_field() const;
 
   Format d_format;
