@@ -60,7 +60,7 @@ inline QNumber number_of(const mpq_t q) {
 inline QNumber number_of(const mpz_t z) {
   mpz_t one;
   mpz_init_set_ui(one, 1);
-  QNumber n(z, one, false);
+  QNumber n(z, one);
   mpz_clear(one);
   return n;
 }

@@ -23,7 +23,7 @@ struct Mpz {
 QNumber to_qnumber(const mpz_t z) {
   Mpz one;
   mpz_set_ui(one.v, 1);
-  return QNumber(z, one.v, false);
+  return QNumber(z, one.v);
 }
 
 // Returns: sign of p - d * 2^k, for p, d > 0.
