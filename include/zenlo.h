@@ -197,9 +197,7 @@ ZENLO_API zenlo_term zenlo_make_equal(zenlo_env e,
                                       zenlo_term t1,
                                       zenlo_term t2);
 ZENLO_API zenlo_term zenlo_make_leq(zenlo_env e, zenlo_term t1, zenlo_term t2);
-ZENLO_API zenlo_term zenlo_make_plus(zenlo_env e,
-                                     zenlo_term t1,
-                                     zenlo_term t2);
+ZENLO_API zenlo_term zenlo_make_plus(zenlo_env e, zenlo_term t1, zenlo_term t2);
 ZENLO_API zenlo_term zenlo_make_times(zenlo_env e,
                                       zenlo_term t1,
                                       zenlo_term t2);
@@ -218,9 +216,9 @@ ZENLO_API zenlo_term zenlo_make_number(zenlo_env e, const char* num_rep);
 ZENLO_API zenlo_term zenlo_make_int_number(zenlo_env e, int value);
 ZENLO_API zenlo_term zenlo_make_mpq_number(zenlo_env e, mpq_t value);
 ZENLO_API zenlo_term zenlo_make_term_ite(zenlo_env e,
-                                        zenlo_term c,
-                                        zenlo_term tt,
-                                        zenlo_term te);
+                                         zenlo_term c,
+                                         zenlo_term tt,
+                                         zenlo_term te);
 ZENLO_API zenlo_term zenlo_make_constant(zenlo_env e, zenlo_decl var);
 /* An application of an uninterpreted function; `args` holds as many terms
  * as the declaration's arity. */
@@ -554,8 +552,7 @@ ZENLO_API int zenlo_term_is_bv_sext(zenlo_env e,
 ZENLO_API int zenlo_term_is_fp_roundingmode_nearest_even(zenlo_env e,
                                                          zenlo_term t);
 ZENLO_API int zenlo_term_is_fp_roundingmode_zero(zenlo_env e, zenlo_term t);
-ZENLO_API int zenlo_term_is_fp_roundingmode_plus_inf(zenlo_env e,
-                                                     zenlo_term t);
+ZENLO_API int zenlo_term_is_fp_roundingmode_plus_inf(zenlo_env e, zenlo_term t);
 ZENLO_API int zenlo_term_is_fp_roundingmode_minus_inf(zenlo_env e,
                                                       zenlo_term t);
 ZENLO_API int zenlo_term_is_fp_equal(zenlo_env e, zenlo_term t);

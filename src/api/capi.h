@@ -111,11 +111,17 @@ inline zenlo_type wrap(const Type* t) {
   return r;
 }
 
-inline zenlo_term error_term() { return zenlo_term{nullptr}; }
+inline zenlo_term error_term() {
+  return zenlo_term{nullptr};
+}
 
-inline zenlo_decl error_decl() { return zenlo_decl{nullptr}; }
+inline zenlo_decl error_decl() {
+  return zenlo_decl{nullptr};
+}
 
-inline zenlo_type error_type() { return zenlo_type{nullptr}; }
+inline zenlo_type error_type() {
+  return zenlo_type{nullptr};
+}
 
 // The interface allocator: every array and string handed to the caller
 // comes from here and goes back through zenlo_free.

@@ -234,9 +234,7 @@ struct Configuration {
 
   Configuration() { link_parents(); }
 
-  Configuration(const Configuration& o) {
-    o.copy_to(*this);
-  }
+  Configuration(const Configuration& o) { o.copy_to(*this); }
 
   Configuration& operator=(const Configuration& o) {
     o.copy_to(*this);

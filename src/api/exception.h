@@ -30,10 +30,9 @@ class Exception : public std::exception {
 
 // Declares `struct error` nested in a class, derived from zenlo::Exception
 // (or from another error class given as Base).
-#define ZENLO_DECLARE_ERROR_FROM(Base)     \
-  struct error : public Base {             \
-    explicit error(std::string msg)        \
-        : Base(std::move(msg)) {}          \
+#define ZENLO_DECLARE_ERROR_FROM(Base)                        \
+  struct error : public Base {                                \
+    explicit error(std::string msg) : Base(std::move(msg)) {} \
   }
 
 #define ZENLO_DECLARE_ERROR ZENLO_DECLARE_ERROR_FROM(::zenlo::Exception)

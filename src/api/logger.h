@@ -11,8 +11,8 @@
 
 #include <iosfwd>
 #include <string>
-#include <utility>
 #include <unordered_set>
+#include <utility>
 
 namespace zenlo {
 
@@ -44,7 +44,9 @@ class Logger {
   int verbosity() const { return d_verbosity; }
 
   void enable_section(const std::string& name);
+
   void enable_all_sections() { d_all_sections = true; }
+
   void disable_all_sections();
   bool section_enabled(const std::string& name) const;
 

@@ -11,23 +11,24 @@ using namespace zenlo;
 namespace {
 
 std::string version_id() {
-  return std::string(ZENLO_VERSION_STRING) + " (" + "src" + ")";
+  return std::string(ZENLO_VERSION_STRING) + " (" + ZENLO_REVISION + ")";
 }
 
 }  // namespace
 
 extern "C" {
 
-void zenlo_free(void* mem) { std::free(mem); }
+void zenlo_free(void* mem) {
+  std::free(mem);
+}
 
 char* zenlo_get_version(void) {
   return capi::guarded_noenv<char*>(nullptr, [] {
-    std::string v = "Zenlo5 version " + version_id() + " (" + __DATE__ + " "
-                    + __TIME__ + ", gmp " + gmp_version + ", gcc "
-                    + std::to_string(__GNUC__) + "."
-                    + std::to_string(__GNUC_MINOR__) + "."
-                    + std::to_string(__GNUC_PATCHLEVEL__)
-                    + ", 64-bit, reentrant)";
+    std::string v =
+        "Zenlo5 version " + version_id() + " (" + __DATE__ + " " + __TIME__
+        + ", gmp " + gmp_version + ", gcc " + std::to_string(__GNUC__) + "."
+        + std::to_string(__GNUC_MINOR__) + "."
+        + std::to_string(__GNUC_PATCHLEVEL__) + ", 64-bit, reentrant)";
     return capi::alloc_string(v);
   });
 }
