@@ -153,8 +153,8 @@ class IndexFinder:
 
 # ------------------------------------------------------------- file scanning
 
-# Comments, string literals and quoted symbols: only comments are dropped,
-# so a ";" or "(check-sat)" inside a string or |symbol| is not mistaken.
+# Comments, string literals and quoted symbols, found in one pass so that
+# a ";" inside a string or a "|" inside a comment is read right.
 _LEXEMES = re.compile(r'"(?:[^"]|"")*"?|\|[^|]*\|?|;[^\n]*')
 _SMT_EVENTS = re.compile(
     r"\(\s*(?:set-info\s+:status\s+([a-z]+)|(check-sat)\b|(push|pop)\b"
@@ -162,8 +162,10 @@ _SMT_EVENTS = re.compile(
 
 
 def strip_comments(text):
-    return _LEXEMES.sub(lambda m: "" if m.group(0)[0] == ";" else m.group(0),
-                        text)
+    """The script without comments and with strings and quoted symbols
+    emptied, so "(check-sat)" inside any of them is not taken for one."""
+    blank = {";": "", '"': '""', "|": "||"}
+    return _LEXEMES.sub(lambda m: blank[m.group(0)[0]], text)
 
 
 def scan_smt2(text):

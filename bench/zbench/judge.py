@@ -8,7 +8,7 @@ a disagreement, reported but not held against anyone, since peers are
 fallible too. A sat answer whose model does not hold is wrong as well.
 """
 import re
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 from typing import List, Optional
 
 from .inputs import DEFINITE, SAT, UNKNOWN
@@ -30,7 +30,10 @@ class Outcome:
     max_rss_mb: float = 0.0
     note: str = ""
     model: Optional[List[int]] = None
-    problems: List[str] = field(default_factory=list)
+    # Set when the solver reported errors: z3 drops an assertion it cannot
+    # parse and answers anyway, so such answers are no evidence against
+    # zenlo.
+    complained: bool = False
 
     def solved(self):
         return self.status == OK
@@ -70,7 +73,8 @@ def explain(result):
 def classify(bench, solver, result, parsed):
     """The outcome of one run judged on its own output."""
     o = Outcome(bench, solver.name, parsed.answers, OK, result.wall,
-                result.cpu, result.max_rss_mb, model=parsed.model)
+                result.cpu, result.max_rss_mb, model=parsed.model,
+                complained=bool(parsed.errors))
     n, q = len(parsed.answers), bench.queries
     if result.launch_error:
         o.status, o.note = ERROR, result.launch_error
@@ -82,20 +86,22 @@ def classify(bench, solver, result, parsed):
         o.status, o.note = ERROR, "killed by signal %d" % result.signal
     elif parsed.errors and (solver.strict or n < q):
         o.status, o.note = ERROR, first_line(parsed.errors[0])
-    elif n != q:
+    elif parsed.errors:
+        o.note = first_line(parsed.errors[0])
+    if o.status == OK and n != q:
         o.status = ERROR
         o.note = "%d answers to %d queries: %s" % (n, q, explain(result))
-    elif UNKNOWN in parsed.answers:
+    elif o.status == OK and UNKNOWN in parsed.answers:
         o.status = UNKNOWN_STATUS
     return o
 
 
 def _mark(o, kind, text, findings):
+    if o.status not in (WRONG, DISAGREE):
+        o.note = text
     if o.status != WRONG:
         o.status = kind
     findings.append(Finding(kind, o.solver, o.bench.name, text))
-    if not o.note:
-        o.note = text
 
 
 def _query(bench, i):
@@ -118,7 +124,8 @@ def cross_check(outcomes, findings):
         if bench.expected[i] in DEFINITE:
             continue
         said = [(p.solver, p.answers[i]) for p in peers
-                if i < len(p.answers) and p.answers[i] in DEFINITE]
+                if i < len(p.answers) and p.answers[i] in DEFINITE
+                and not p.complained]
         if len({a for _, a in said}) > 1:
             # No telling which peer is right: reported, no one marked.
             findings.append(Finding(

@@ -155,6 +155,7 @@ def plot_cactus(rows, outdir):
     import matplotlib
     matplotlib.use("Agg")
     import matplotlib.pyplot as plt
+    from matplotlib.ticker import MaxNLocator
 
     logics = sorted({r["logic"] for r in rows})
     groups = [("cactus.png", "all files", rows)]
@@ -175,6 +176,7 @@ def plot_cactus(rows, outdir):
         ax.set_title("Solved within a time: %s" % title)
         ax.grid(True, alpha=0.3)
         ax.set_ylim(bottom=0)
+        ax.yaxis.set_major_locator(MaxNLocator(integer=True))
         ax.legend(loc="best")
         path = os.path.join(outdir, fname)
         fig.savefig(path, dpi=110, bbox_inches="tight")

@@ -158,8 +158,8 @@ def is_cnf(bench):
 def boolector_takes(bench):
     # Older boolector answers a script with several check-sats once, for
     # the conjunction of all assertions: wrong per query, so not asked.
-    return is_smt2(bench) and "BV" in bench.logic and "FP" not in bench.logic \
-        and not bench.incremental
+    return is_smt2(bench) and not bench.incremental \
+        and re.fullmatch(r"QF_(A|UF|AUF)?BV", bench.logic) is not None
 
 
 def _simple(*flags):
