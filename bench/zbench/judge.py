@@ -80,7 +80,7 @@ def classify(bench, solver, result, parsed):
         o.status, o.note = ERROR, result.launch_error
     elif result.timed_out:
         o.status, o.note = TIMEOUT, "answered %d of %d" % (n, q) if q else ""
-    elif result.memory_out():
+    elif n < q and result.memory_out():
         o.status, o.note = MEMOUT, first_line(result.memory_out())
     elif result.signal:
         o.status, o.note = ERROR, "killed by signal %d" % result.signal
