@@ -1,0 +1,209 @@
+"""Self-test of bench/run with the fake solvers of bench/testdata: no real
+solver is needed, and the whole test takes a few seconds."""
+import csv
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+RUN = os.path.join(HERE, "run")
+DATA = os.path.join(HERE, "testdata")
+SMT, CNF = os.path.join(DATA, "smt"), os.path.join(DATA, "cnf")
+sys.path.insert(0, HERE)
+
+from zbench import inputs, judge  # noqa: E402
+
+
+def fake(mode):
+    return os.path.join(DATA, "fake_" + mode)
+
+
+class Runner(unittest.TestCase):
+    def setUp(self):
+        self.tmp = tempfile.mkdtemp(prefix="bench_run_test")
+        self.addCleanup(shutil.rmtree, self.tmp)
+
+    def run_bench(self, zenlo, *args, peers=None):
+        """Runs bench/run; returns (exit code, stdout, stderr, CSV rows)."""
+        argv = [sys.executable, "-S", RUN, "--zenlo", fake(zenlo),
+                "-o", self.tmp,
+                "--no-plot", "-q", "-j", "2", "-t", "10"]
+        if peers:
+            argv += ["--solvers", ",".join(["zenlo"] + list(peers))]
+            argv += ["--solver-path=%s=%s" % (p, fake(m))
+                     for p, m in peers.items()]
+        else:
+            argv.append("--no-peers")
+        env = dict(os.environ, ZENLO_FAKE_PYTHON=sys.executable)
+        proc = subprocess.run(argv + list(args), capture_output=True,
+                              text=True, env=env, timeout=60)
+        path = os.path.join(self.tmp, "results.csv")
+        rows = []
+        if os.path.exists(path):
+            with open(path, newline="") as f:
+                rows = list(csv.DictReader(f))
+        return proc.returncode, proc.stdout, proc.stderr, rows
+
+    def status_of(self, rows, solver):
+        return {os.path.basename(r["file"]): r["status"] for r in rows
+                if r["solver"] == solver}
+
+
+class Verdicts(Runner):
+    def test_correct_solver_passes_and_csv_has_a_row_per_run(self):
+        rc, out, err, rows = self.run_bench(
+            "right", "--check-models", SMT, CNF,
+            peers={"z3": "right", "cadical": "right"})
+        self.assertEqual(rc, 0, out + err)
+        self.assertNotIn("WRONG", out)
+        self.assertEqual(list(rows[0]), ["file", "logic", "solver", "answers",
+                                         "expected", "time", "status", "cpu",
+                                         "mem_mb", "note"])
+        got = {(os.path.basename(r["file"]), r["solver"]):
+               (r["logic"], r["answers"], r["expected"], r["status"])
+               for r in rows}
+        self.assertEqual(got, {
+            ("no_status.smt2", "zenlo"): ("QF_UF", "sat", "unknown", "ok"),
+            ("no_status.smt2", "z3"): ("QF_UF", "sat", "unknown", "ok"),
+            ("push_pop.smt2", "zenlo"): ("QF_UF", "sat;unsat", "sat;unsat",
+                                         "ok"),
+            ("push_pop.smt2", "z3"): ("QF_UF", "sat;unsat", "sat;unsat",
+                                      "ok"),
+            ("unsat.smt2", "zenlo"): ("QF_UF", "unsat", "unsat", "ok"),
+            ("unsat.smt2", "z3"): ("QF_UF", "unsat", "unsat", "ok"),
+            ("sat.cnf", "zenlo"): ("DIMACS", "sat", "sat", "ok"),
+            ("sat.cnf", "cadical"): ("DIMACS", "sat", "sat", "ok"),
+            ("unsat.cnf", "zenlo"): ("DIMACS", "unsat", "unsat", "ok"),
+            ("unsat.cnf", "cadical"): ("DIMACS", "unsat", "unsat", "ok"),
+        })
+        self.assertRegex(out, r"\nzenlo +5 +5 +3 +3 +0 +0 +0 +0 +0 ")
+
+    def test_wrong_answers_fail_the_run_and_are_listed_first(self):
+        rc, out, err, rows = self.run_bench("wrong", SMT,
+                                            peers={"z3": "right"})
+        self.assertEqual(rc, 1)
+        self.assertTrue(out.startswith("WRONG ANSWERS (4):"), out)
+        self.assertLess(out.index("WRONG"), out.index("solver "))
+        self.assertIn("push_pop.smt2  query 2: answered sat, expected unsat",
+                      out)
+        # No status in the file: contradicting a peer is enough.
+        self.assertIn("no_status.smt2  answered unsat, but z3 answered sat",
+                      out)
+        self.assertEqual(set(self.status_of(rows, "zenlo").values()),
+                         {"wrong"})
+
+    def test_peer_contradicting_the_status_is_only_a_disagreement(self):
+        rc, out, err, rows = self.run_bench(
+            "right", SMT, "--filter", "push_pop|unsat", peers={"z3": "wrong"})
+        self.assertEqual(rc, 0, out)
+        self.assertNotIn("WRONG", out)
+        self.assertIn("Peer disagreements (3", out)
+        self.assertEqual(self.status_of(rows, "z3"),
+                         {"push_pop.smt2": "disagree",
+                          "unsat.smt2": "disagree"})
+
+    def test_peer_that_reported_errors_is_no_evidence(self):
+        # z3 answers even after dropping an assertion it could not parse.
+        rc, out, err, rows = self.run_bench(
+            "wrong", os.path.join(SMT, "no_status.smt2"),
+            peers={"z3": "error"})
+        self.assertEqual(rc, 0, out)
+        self.assertEqual([(r["solver"], r["status"], r["note"]) for r in rows],
+                         [("zenlo", "ok", ""),
+                          ("z3", "ok", '(error "fake failure")')])
+
+    def test_expected_answers_from_index_override_the_file(self):
+        folder = os.path.join(self.tmp, "bench", "QF_UF")
+        os.makedirs(folder)
+        shutil.copy(os.path.join(SMT, "push_pop.smt2"), folder)
+        with open(os.path.join(self.tmp, "bench", "index.tsv"), "w") as f:
+            f.write("path\tlogic\texpected\tcheck_sats\tsource\n"
+                    "QF_UF/push_pop.smt2\tQF_XY\tsat;sat\t2\there\n")
+        rc, out, err, rows = self.run_bench("right", folder)
+        self.assertEqual(rc, 1)
+        self.assertIn("QF_UF/push_pop.smt2  query 2: answered unsat, "
+                      "expected sat", out)
+        self.assertEqual((rows[0]["logic"], rows[0]["expected"]),
+                         ("QF_XY", "sat;sat"))
+
+
+class Failures(Runner):
+    def test_crash_garbage_and_error_lines_are_errors_not_solved(self):
+        # zenlo's error lines count even with all answers given; a peer's
+        # only when it leaves queries unanswered.
+        rc, out, err, rows = self.run_bench(
+            "error", SMT, peers={"z3": "crash", "cvc5": "garbage"})
+        self.assertEqual(rc, 0, out)
+        for solver in ("zenlo", "z3", "cvc5"):
+            self.assertEqual(set(self.status_of(rows, solver).values()),
+                             {"error"}, solver)
+            self.assertRegex(out, r"\n%s +3 +0 +0 +0 " % solver)
+        notes = {r["solver"]: r["note"] for r in rows}
+        self.assertEqual(notes["zenlo"], '(error "fake failure")')
+        self.assertEqual(notes["z3"], "killed by signal 11")
+        self.assertTrue(notes["cvc5"].startswith("0 answers to 1 queries"))
+
+    def test_timeout_is_enforced(self):
+        start = time.monotonic()
+        rc, out, err, rows = self.run_bench(
+            "sleep", "-t", "1", os.path.join(SMT, "unsat.smt2"))
+        self.assertLess(time.monotonic() - start, 8)
+        self.assertEqual(rc, 0)
+        self.assertEqual(rows[0]["status"], "timeout")
+        self.assertLessEqual(float(rows[0]["time"]), 1.0)
+        self.assertRegex(out, r"PAR-2.*\n.* 2\.0\n")
+
+    def test_memory_limit_gives_memout(self):
+        rc, out, err, rows = self.run_bench(
+            "memhog", "-m", "300", os.path.join(CNF, "sat.cnf"))
+        self.assertEqual(rows[0]["status"], "memout")
+
+    def test_bad_dimacs_model_is_a_wrong_answer(self):
+        rc, out, err, rows = self.run_bench("badmodel", "--check-models",
+                                            CNF)
+        self.assertEqual(rc, 1)
+        self.assertTrue(out.startswith("WRONG ANSWERS (1):"), out)
+        self.assertIn("sat.cnf  model: clause 1 (1 2 0) is false", out)
+        rc, out, err, rows = self.run_bench("badmodel", CNF)
+        self.assertEqual(rc, 0, "models are checked only on request")
+
+    def test_bad_usage_is_reported_not_run(self):
+        cases = [(["--zenlo", "/nonexistent/zenlo", SMT], "zenlo not found"),
+                 ([os.path.join(DATA, "missing.smt2")], "no such file"),
+                 (["--peers", "nosuch", SMT], "unknown solver nosuch"),
+                 (["--filter", "(", SMT], "bench/run:")]
+        for args, message in cases:
+            proc = subprocess.run([sys.executable, "-S", RUN, "-o", self.tmp,
+                                   "--zenlo", fake("right")] + args,
+                                  capture_output=True, text=True)
+            self.assertEqual(proc.returncode, 2, args)
+            self.assertIn(message, proc.stderr)
+
+
+class Inputs(unittest.TestCase):
+    def test_status_in_force_per_check_sat_ignoring_comments_and_strings(self):
+        logic, expected, stack = inputs.scan_smt2(
+            '; (check-sat) (set-logic WRONG)\n(set-logic QF_LIA)\n'
+            '(check-sat)\n(set-info :status sat)\n(echo "(check-sat) ;")\n'
+            '(check-sat-assuming (a))\n(declare-const |(check-sat)| Int)\n'
+            '(set-info :status unsat)(check-sat)')
+        self.assertEqual((logic, expected, stack),
+                         ("QF_LIA", ["unknown", "sat", "unsat"], False))
+
+    def test_dimacs_model_check(self):
+        clauses = [[1, 2], [-1, 3]]
+        self.assertIsNone(judge.check_dimacs_model(clauses, [1, 3]))
+        self.assertIsNone(judge.check_dimacs_model(clauses, [-1, 2]))
+        self.assertIn("clause 2", judge.check_dimacs_model(clauses, [1, 2]))
+        self.assertIn("both true and false",
+                      judge.check_dimacs_model(clauses, [1, -1, 3]))
+        self.assertIn("without a model",
+                      judge.check_dimacs_model(clauses, None))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,7 @@
+(set-info :status unsat)
+(set-logic QF_UF)
+(declare-fun f (Bool) Bool)
+(declare-const a Bool)
+(assert (not (= (f a) (f a))))
+(check-sat)
+(exit)
