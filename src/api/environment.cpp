@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "frontend/smtlib2io.h"
+
 namespace zenlo {
 
 namespace {
@@ -114,6 +116,10 @@ const Term_* Environment::apply_substitution(const Term_* term,
                                              const Term_* const* to,
                                              size_t n) {
   return d_tm->substitute(term, from, to, n, true);
+}
+
+const Term_* Environment::from_smt2(const std::string& text) {
+  return read_smtlib2_string(*d_tm, text);
 }
 
 }  // namespace zenlo

@@ -18,6 +18,7 @@
 #include <memory>
 #include <ostream>
 #include <streambuf>
+#include <string>
 
 #include "api/configuration.h"
 #include "api/exception.h"
@@ -67,6 +68,11 @@ class Environment {
   Logger& get_logger() { return d_logger; }
 
   std::ostream& get_output_stream() { return d_out; }
+
+  // Reads SMT-LIB 2 text over this environment's symbols: one term, or a
+  // script, whose assertions are conjoined.
+  // - Throws: ParserInterface::error on bad text.
+  const Term_* from_smt2(const std::string& text);
 
   // Replaces from[i] by to[i] in `term`, all at once, with type checks.
   // - Throws: TermManager::error for unequal types.

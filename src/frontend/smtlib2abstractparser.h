@@ -333,6 +333,9 @@ class SmtLib2AbstractParser {
 // simple symbol, else between bars with each bar inside escaped.
 std::string quote_symbol(std::string_view name);
 
+// Whether `name` is a command the grammar knows (check-sat-assuming too).
+bool is_command_name(std::string_view name);
+
 }  // namespace zenlo
 
 #endif

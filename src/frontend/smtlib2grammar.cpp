@@ -4,11 +4,17 @@
 #include "frontend/smtlib2grammar.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
 #include "api/terminationtest.h"
 #include "terms/hashtable.h"
+#include "zenlo.h"
+
+extern "C" {
+int zenlo_smtlib2_parser_debug = 0;
+}
 
 namespace zenlo {
 
@@ -284,6 +290,11 @@ void SmtLib2AbstractParser::reset() {
   generic_command("reset");
 }
 
+bool is_command_name(std::string_view name) {
+  return command_table().contains(name) || name == "declare-datatypes"
+         || name == "define-fun-rec" || name == "define-funs-rec";
+}
+
 std::string quote_symbol(std::string_view name) {
   static const char* const reserved[] = {
       "as", "_", "let", "!", "forall", "exists", "par", "match"};
@@ -429,6 +440,10 @@ void SmtLib2AbstractParser::Grammar::read_command() {
     syntax_error("a command name");
   }
   std::string name = d_sc.text();
+  if (zenlo_smtlib2_parser_debug != 0) {
+    std::fprintf(
+        stderr, "smtlib2: (%s ...) at line %d\n", name.c_str(), d_sc.line());
+  }
   if (d_sc.quoted()) {
     cmd_generic(name);
     return;

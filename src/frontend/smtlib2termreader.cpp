@@ -12,6 +12,14 @@
 
 namespace zenlo {
 
+namespace {
+
+// Terms may nest without bound; sorts may not, since the term store walks
+// types recursively. No script of this world nests sorts this deep.
+constexpr size_t kMaxSortDepth = 1000;
+
+}  // namespace
+
 void SmtLib2AbstractParser::Reader::clear_stacks() {
   frames.clear();
   args.clear();
@@ -377,6 +385,10 @@ const Type* SmtLib2AbstractParser::Grammar::start_sort() {
     } while (!at_close());
     d_sc.next();
     return d_p.make_sort(indexed, idx);
+  }
+  if (d_r.sort_frames.size() >= kMaxSortDepth) {
+    d_p.fail("sort nested too deeply (more than "
+             + std::to_string(kMaxSortDepth) + " levels)");
   }
   Reader::SortFrame f;
   f.name_off = static_cast<uint32_t>(d_r.names.size());

@@ -56,6 +56,13 @@ bool is_bv_literal(TermManager& tm,
                    size_t* width);
 // -t: a number literal negated as a number, anything else times -1.
 const Term_* arith_negate(TermManager& tm, const Term_* t);
+// a / b: the number itself for two number literals (b not 0).
+const Term_* divide(TermManager& tm, const Term_* a, const Term_* b);
+// The float of an IEEE bit pattern: a number for a literal.
+const Term_* fp_from_bits(TermManager& tm,
+                          size_t e,
+                          size_t m,
+                          const Term_* bits);
 
 }  // namespace zenlo
 

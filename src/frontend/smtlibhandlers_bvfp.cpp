@@ -12,6 +12,18 @@ namespace zenlo {
 
 using perror = ParserInterface::error;
 
+const Term_* fp_from_bits(TermManager& tm,
+                          size_t e,
+                          size_t m,
+                          const Term_* bits) {
+  QNumber value;
+  size_t w = 0;
+  if (is_bv_literal(tm, bits, &value, &w) && w == e + m + 1) {
+    return tm.make_fp_bits_number(value, e, m);
+  }
+  return tm.make_fp_from_ieeebv(e, m, bits);
+}
+
 namespace {
 
 using BinaryOp = const Term_* (TermManager::*)(const Term_*, const Term_*);
@@ -239,13 +251,9 @@ const Term_* h_to_fp(TermManager& tm,
   }
   const Term_* x = a.back();
   QNumber value;
-  size_t w = 0;
   if (a.size() == 1) {
-    if (is_bv_literal(tm, x, &value, &w) && w == e + m + 1) {
-      return tm.make_fp_bits_number(value, e, m);
-    }
     if (tm.is_bv_type(x->get_type())) {
-      return tm.make_fp_from_ieeebv(e, m, x);
+      return fp_from_bits(tm, e, m, x);
     }
     throw perror("wrong arguments for to_fp");
   }

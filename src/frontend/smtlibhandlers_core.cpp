@@ -161,6 +161,17 @@ const Term_* arith_negate(TermManager& tm, const Term_* t) {
   return tm.make_times(tm.make_number(-1), t);
 }
 
+// A quotient of two number literals is the number itself, so that a
+// fraction printed as (/ 1 3) reads back as the constant it came from.
+const Term_* divide(TermManager& tm, const Term_* a, const Term_* b) {
+  QNumber n, d;
+  if (is_rational_literal(tm, a, &n) && is_rational_literal(tm, b, &d)
+      && !d.is_zero()) {
+    return tm.make_number(n / d);
+  }
+  return tm.make_divide(a, b);
+}
+
 namespace {
 
 // ----------------------------------------------------------------------
@@ -265,18 +276,10 @@ const Term_* h_times(TermManager& tm, const Type*, TermArgs a) {
   return r;
 }
 
-// A quotient of two number literals is the number itself, so that a
-// fraction printed as (/ 1 3) reads back as the constant it came from.
 const Term_* h_divide(TermManager& tm, const Type*, TermArgs a) {
   const Term_* r = a[0];
   for (size_t i = 1; i < a.size(); ++i) {
-    QNumber n, d;
-    if (is_rational_literal(tm, r, &n) && is_rational_literal(tm, a[i], &d)
-        && !d.is_zero()) {
-      r = tm.make_number(n / d);
-    } else {
-      r = tm.make_divide(r, a[i]);
-    }
+    r = divide(tm, r, a[i]);
   }
   return r;
 }
@@ -350,10 +353,9 @@ const Term_* h_abs(TermManager& tm, const Type*, TermArgs a) {
 
 // Euclidean division: floor(a / d) for d >= 0, -floor(a / -d) otherwise.
 const Term_* int_div(TermManager& tm, const Term_* a, const Term_* d) {
-  const Term_* pos = tm.make_floor(tm.make_divide(a, d));
-  const Term_* neg =
-      tm.make_times(tm.make_number(-1),
-                    tm.make_floor(tm.make_divide(a, arith_negate(tm, d))));
+  const Term_* pos = tm.make_floor(divide(tm, a, d));
+  const Term_* neg = tm.make_times(
+      tm.make_number(-1), tm.make_floor(divide(tm, a, arith_negate(tm, d))));
   return tm.make_term_ite(tm.make_leq(tm.make_number(0), d), pos, neg);
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frontend/smtlibhandlers.h"
+#include "terms/termvisitor.h"
 
 namespace zenlo {
 
@@ -249,8 +250,82 @@ const Term_* SmtLibTermParser::apply_definition(const Definition& d,
   if (args.empty()) {
     return d.body;
   }
-  d_scratch.assign(args.begin(), args.end());
-  return d_tm->substitute(d.body, d.params, d_scratch);
+  for (size_t i = 0; i < args.size(); ++i) {
+    const Type* want = d.params[i]->get_type();
+    if (!d_tm->is_subtype(args[i]->get_type(), want)) {
+      throw perror("type error. argument " + std::to_string(i + 1) + " of `"
+                   + std::string(name) + "' has type "
+                   + args[i]->get_type()->to_str() + ", but " + want->to_str()
+                   + " was expected");
+    }
+  }
+  return instantiate(d, args);
+}
+
+namespace {
+
+// Rebuilds a definition's body with the arguments in place of the
+// parameters. Symbols whose choice depends on argument types (Int or Real
+// arithmetic) are chosen again, and literals fold as the reader folds
+// them, so an application gives the very term its expansion, written out,
+// would read as.
+class Instantiator : public TermVisitorCallback {
+ public:
+  Instantiator(TermManager& tm, TermMap& map) : d_tm(tm), d_map(map) {}
+
+  VisitResult visit(const Term_* t, bool preorder) override {
+    if (preorder) {
+      return d_map.contains(t) ? VisitResult::Skip : VisitResult::Process;
+    }
+    if (d_map.contains(t)) {
+      return VisitResult::Process;
+    }
+    if (t->get_arity() == 0) {
+      d_map.insert(t, t);
+      return VisitResult::Process;
+    }
+    d_args.clear();
+    for (const Term_* c : *t) {
+      d_args.push_back(*d_map.get(c));
+    }
+    d_map.insert(t, remake(t));
+    return VisitResult::Process;
+  }
+
+ private:
+  const Term_* remake(const Term_* t) {
+    const TermList& a = d_args;
+    size_t e = 0, m = 0;
+    switch (d_tm.get_tag(t->get_symbol())) {
+      case SymbolTag::PLUS: return d_tm.make_plus(a[0], a[1]);
+      case SymbolTag::TIMES: return d_tm.make_times(a[0], a[1]);
+      case SymbolTag::LEQ: return d_tm.make_leq(a[0], a[1]);
+      case SymbolTag::EQ: return d_tm.make_equal(a[0], a[1]);
+      case SymbolTag::ITE: return d_tm.make_term_ite(a[0], a[1], a[2]);
+      case SymbolTag::DIVIDE: return divide(d_tm, a[0], a[1]);
+      case SymbolTag::FP_FROM_IEEEBV:
+        d_tm.is_fp_type(t->get_type(), &e, &m);
+        return fp_from_bits(d_tm, e, m, a[0]);
+      default: return d_tm.make_term(t->get_symbol(), a);
+    }
+  }
+
+  TermManager& d_tm;
+  TermMap& d_map;
+  TermList d_args;
+};
+
+}  // namespace
+
+const Term_* SmtLibTermParser::instantiate(const Definition& d, TermArgs args) {
+  TermMap map;
+  for (size_t i = 0; i < args.size(); ++i) {
+    map.insert(d.params[i], args[i]);
+  }
+  Instantiator cb(*d_tm, map);
+  TermVisitor<Instantiator> visitor(*d_tm, cb);
+  visitor.visit(d.body);
+  return *map.get(d.body);
 }
 
 // A symbol of the term store that a user may name: neither interpreted

@@ -153,6 +153,7 @@ class SmtLibTermParser {
   const Term_* apply_symbol(std::string_view name,
                             const Type* sort,
                             TermArgs args);
+  const Term_* instantiate(const Definition& d, TermArgs args);
   const Term_* make_indexed(std::string_view name,
                             const Type* sort,
                             IndexArgs indices,
@@ -181,7 +182,7 @@ class SmtLibTermParser {
   // them one by one.
   hsh::HashMap<std::string_view, Definition*> d_defs;
 
-  // Scratch of one application of a declared symbol or definition.
+  // Scratch of one application of a declared symbol.
   TermList d_scratch;
 };
 
