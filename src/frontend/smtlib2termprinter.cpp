@@ -88,7 +88,8 @@ void SmtLib2TermPrinter::print_single_term(std::ostream& out,
 // A leaf gets a label only to carry its attributes; with lets, a term with
 // free variables is written in place, inside its quantifier.
 bool SmtLib2TermPrinter::get_define_label(const Term_* t, std::string& label) {
-  bool annotated = d_annotations != nullptr && d_annotations->contains(t);
+  bool annotated = d_annotations != nullptr && d_annotations->contains(t)
+                   && !d_annotated.contains(t);
   if (t->get_arity() == 0 && !annotated) {
     return false;
   }
@@ -102,8 +103,13 @@ bool SmtLib2TermPrinter::get_define_label(const Term_* t, std::string& label) {
 void SmtLib2TermPrinter::print_term_and_children(std::string& out,
                                                  const Term_* t,
                                                  const ChildTexts& children) {
+  // Attributes go with the first occurrence only: a second :named of the
+  // same name would not read back.
   const AttributeList* attrs =
       d_annotations == nullptr ? nullptr : d_annotations->get(t);
+  if (attrs != nullptr && !d_annotated.insert(t).second) {
+    attrs = nullptr;
+  }
   if (attrs == nullptr) {
     SmtLibTermPrinter::print_term_and_children(out, t, children);
     return;
@@ -151,6 +157,7 @@ void SmtLib2TermPrinter::print_define_end(std::ostream& out, const Term_*) {
 
 void SmtLib2TermPrinter::print_start(std::ostream& out) {
   d_open = 0;
+  d_annotated.clear();
   forget_declared_sorts();
   if (d_single) {
     return;

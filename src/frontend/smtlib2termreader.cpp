@@ -457,7 +457,7 @@ void SmtLib2AbstractParser::Grammar::read_verbatim(std::string& out) {
 void SmtLib2AbstractParser::Grammar::append_atom(std::string& out) {
   const std::string& s = d_sc.text();
   switch (d_sc.token()) {
-    case Token::Symbol: out += quote_symbol(s); return;
+    case Token::Symbol: out += d_sc.quoted() ? quote_symbol(s) : s; return;
     case Token::Binary: out += "#b" + s; return;
     case Token::Hex: out += "#x" + s; return;
     case Token::String:

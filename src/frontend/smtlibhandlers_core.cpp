@@ -359,18 +359,48 @@ const Term_* int_div(TermManager& tm, const Term_* a, const Term_* d) {
   return tm.make_term_ite(tm.make_leq(tm.make_number(0), d), pos, neg);
 }
 
+// a mod d = a - d * (a div d)
+const Term_* int_mod(TermManager& tm, const Term_* a, const Term_* d) {
+  return tm.make_plus(a, arith_negate(tm, tm.make_times(d, int_div(tm, a, d))));
+}
+
+// SMT-LIB leaves division by zero open: (div a 0) and (mod a 0) are some
+// values that depend on a alone, and not on each other. Fixing them by the
+// formulas above (which give a mod 0 = a) would make satisfiable scripts
+// unsatisfiable, so that case is an uninterpreted function of a, one for
+// div and one for mod. A divisor that is a nonzero number needs no case.
+const Term_* by_zero_guard(TermManager& tm,
+                           const char* name,
+                           const Term_* a,
+                           const Term_* d,
+                           const Term_* (*op)(TermManager&,
+                                              const Term_*,
+                                              const Term_*)) {
+  QNumber v;
+  bool literal = is_rational_literal(tm, d, &v);
+  if (literal && !v.is_zero()) {
+    return op(tm, a, d);
+  }
+  const Type* i = tm.get_integer_type();
+  const Symbol* f = tm.make_symbol(name, tm.get_function_type({i}, i));
+  const Term_* open = tm.make_uninterpreted_function(f, TermList{a});
+  if (literal) {
+    return open;
+  }
+  return tm.make_term_ite(
+      tm.make_equal(d, tm.make_number(0)), open, op(tm, a, d));
+}
+
 const Term_* h_div(TermManager& tm, const Type*, TermArgs a) {
   const Term_* r = a[0];
   for (size_t i = 1; i < a.size(); ++i) {
-    r = int_div(tm, r, a[i]);
+    r = by_zero_guard(tm, ".div0", r, a[i], int_div);
   }
   return r;
 }
 
-// a mod d = a - d * (a div d)
 const Term_* h_mod(TermManager& tm, const Type*, TermArgs a) {
-  const Term_* q = int_div(tm, a[0], a[1]);
-  return tm.make_plus(a[0], arith_negate(tm, tm.make_times(a[1], q)));
+  return by_zero_guard(tm, ".mod0", a[0], a[1], int_mod);
 }
 
 const Term_* h_divisible(TermManager& tm,

@@ -239,6 +239,8 @@ class SmtLib2TermPrinter : public SmtLibTermPrinter {
 
   bool d_use_defines;
   const TermAnnotations* d_annotations;
+  // Annotated terms whose attributes this print has written.
+  TermSet d_annotated;
   std::string d_trailer;
 };
 
