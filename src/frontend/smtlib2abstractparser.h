@@ -333,6 +333,10 @@ class SmtLib2AbstractParser {
 // simple symbol, else between bars with each bar inside escaped.
 std::string quote_symbol(std::string_view name);
 
+// The name a symbol's source text stands for: the text itself, or the
+// name between the bars of a quoted symbol (as attribute values keep it).
+std::string unquote_symbol(std::string_view text);
+
 // Whether `name` is a command the grammar knows (check-sat-assuming too).
 bool is_command_name(std::string_view name);
 

@@ -290,6 +290,20 @@ void SmtLib2AbstractParser::reset() {
   generic_command("reset");
 }
 
+std::string unquote_symbol(std::string_view text) {
+  if (text.size() < 2 || text.front() != '|' || text.back() != '|') {
+    return std::string(text);
+  }
+  std::string out;
+  for (size_t i = 1; i + 1 < text.size(); ++i) {
+    if (text[i] == '\\' && text[i + 1] == '|' && i + 2 < text.size()) {
+      ++i;
+    }
+    out += text[i];
+  }
+  return out;
+}
+
 bool is_command_name(std::string_view name) {
   return command_table().contains(name) || name == "declare-datatypes"
          || name == "define-fun-rec" || name == "define-funs-rec";

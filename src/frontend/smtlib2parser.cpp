@@ -9,22 +9,6 @@ using perror = ParserInterface::error;
 
 namespace {
 
-// The name a :named value stands for: the text itself, or the name
-// between the bars of a quoted symbol.
-std::string unquote_name(const std::string& value) {
-  if (value.size() < 2 || value.front() != '|' || value.back() != '|') {
-    return value;
-  }
-  std::string out;
-  for (size_t i = 1; i + 1 < value.size(); ++i) {
-    if (value[i] == '\\' && value[i + 1] == '|' && i + 2 < value.size()) {
-      ++i;
-    }
-    out += value[i];
-  }
-  return out;
-}
-
 // Runs a declaration: a failure of the term store becomes a parse error,
 // so that the message names the line of the declaration.
 template <class F>
@@ -270,7 +254,7 @@ const Term_* SmtLib2Parser::annotate_term(const Term_* term,
                                           const AttributeList& attributes) {
   for (const Attribute& a : attributes) {
     if (a.key == ":named" && !a.value.empty()) {
-      std::string name = unquote_name(a.value);
+      std::string name = unquote_symbol(a.value);
       if (d_terms.has_binding(name) || d_tm->find_symbol(name) != nullptr
           || d_terms.is_builtin(name)) {
         throw perror("name `" + name + "' already used");

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -250,6 +251,59 @@ TEST(SmtLib2CorpusTest, EveryScriptReadsAndSmallOnesRoundTrip) {
   EXPECT_LT(failed, files.size() / 25);
   std::cout << files.size() << " scripts, " << failed << " with an error, "
             << round_trips << " assertions printed and read back\n";
+}
+
+// The first line of a hand-written bad input names the error it must give:
+// "; ERROR: text". Inputs found by fuzzing (fuzz_*) only must not crash or
+// hang; the empty file reads as nothing.
+TEST(SmtLib2MalformedTest, BadInputsFailCleanly) {
+  fs::path dir = fs::path(ZENLO_TEST_DATA_DIR) / "smt2_malformed";
+  size_t checked = 0;
+  for (const auto& e : fs::directory_iterator(dir)) {
+    std::ifstream f(e.path(), std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(f)),
+                     std::istreambuf_iterator<char>());
+    std::string name = e.path().filename().string();
+    std::string expected;
+    if (text.rfind("; ERROR: ", 0) == 0) {
+      expected = text.substr(9, text.find('\n') - 9);
+    }
+    // The library client stops at the first error.
+    TermManager tm;
+    SmtLib2Parser parser(&tm);
+    std::istringstream in(text);
+    std::string err;
+    try {
+      parser.parse_list(in);
+    } catch (const ParserInterface::error& ex) {
+      err = ex.message();
+    }
+    if (!expected.empty()) {
+      EXPECT_EQ(err, expected) << name;
+    } else if (name == "empty.smt2") {
+      EXPECT_EQ(err, "") << name;
+    } else if (name.rfind("fuzz_", 0) != 0) {
+      EXPECT_NE(err, "") << name;
+    }
+    // A command loop goes on after each error and always moves forward.
+    TermManager tm2;
+    SmtLib2Parser reader(&tm2);
+    std::istringstream in2(text);
+    SmtLib2Scanner scanner(in2);
+    size_t steps = 0, errors = 0;
+    for (bool more = true; more && steps <= text.size() + 1; ++steps) {
+      try {
+        more = reader.parse_command(scanner);
+      } catch (const ParserInterface::error&) {
+        ++errors;
+        reader.skip_command(scanner);
+      }
+    }
+    EXPECT_LE(steps, text.size() + 1) << name;
+    EXPECT_EQ(errors > 0, !err.empty()) << name;
+    ++checked;
+  }
+  EXPECT_GT(checked, 20u);
 }
 
 }  // namespace
