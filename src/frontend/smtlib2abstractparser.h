@@ -139,6 +139,8 @@ class SmtLib2AbstractParser {
   //   sort or binding; any ParserInterface::error that a command raises
   //   gets the line too. Other exceptions raised by the command's own
   //   action (after it was read in full) pass unchanged.
+  //   The line is in the message already (and in error::line): a client
+  //   prints the message as it stands.
   // - After a throw: the let namespaces, function parameters, sort
   //   parameters and bound variables the command opened are popped again
   //   through the virtual operations; skip_command() then skips what is

@@ -154,8 +154,13 @@ class LevelGuard {
   size_t& d_level;
 };
 
+// Messages of the term store quote terms, and a number's text can be
+// huge; a message stays readable.
 ParserInterface::error located(const std::string& msg, int line) {
-  return ParserInterface::error(msg + " (line: " + std::to_string(line) + ")",
+  constexpr size_t kMaxMessage = 2000;
+  std::string text =
+      msg.size() <= kMaxMessage ? msg : msg.substr(0, kMaxMessage) + "...";
+  return ParserInterface::error(text + " (line: " + std::to_string(line) + ")",
                                 line);
 }
 

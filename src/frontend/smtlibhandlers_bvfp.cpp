@@ -144,6 +144,10 @@ const Term_* h_repeat(TermManager& tm,
   if (n == 0) {
     throw perror("ERROR: repeat needs a positive index (0 given)");
   }
+  if (n * bv_width(tm, a[0]) > SymbolHandler::kMaxIndex) {
+    throw perror("ERROR: repeat makes a bit-vector wider than "
+                 + std::to_string(SymbolHandler::kMaxIndex) + " bits");
+  }
   const Term_* r = a[0];
   for (size_t i = 1; i < n; ++i) {
     r = tm.make_bv_concat(r, a[0]);

@@ -61,12 +61,17 @@ size_t SymbolHandler::check_idx_int(std::string_view name,
     ok = ok && c >= '0' && c <= '9';
     value = value * 10 + static_cast<size_t>(c - '0');
   }
-  if (!ok) {
-    throw perror("ERROR: index " + std::to_string(position + 1) + " of "
-                 + std::string(name) + " must be an integer ("
-                 + std::string(text) + " given)");
+  if (ok && value <= kMaxIndex) {
+    return value;
   }
-  return value;
+  std::string where = "ERROR: index " + std::to_string(position + 1) + " of "
+                      + std::string(name);
+  if (!ok) {
+    throw perror(where + " must be an integer (" + std::string(text)
+                 + " given)");
+  }
+  throw perror(where + " is too large (" + std::string(text)
+               + " given, at most " + std::to_string(kMaxIndex) + ")");
 }
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "frontend/smtlibtermparser.h"
+
 namespace zenlo {
 
 using perror = ParserInterface::error;
@@ -171,13 +173,10 @@ const Type* SmtLibSorts::make_sort(std::string_view name) {
 
 const Type* SmtLibSorts::make_sort(std::string_view name,
                                    const std::vector<std::string>& indices) {
+  std::vector<std::string_view> views(indices.begin(), indices.end());
   std::vector<size_t> n;
-  for (const std::string& s : indices) {
-    if (s.empty() || s.size() > 18
-        || s.find_first_not_of("0123456789") != std::string::npos) {
-      throw perror("parse error");
-    }
-    n.push_back(std::stoull(s));
+  for (size_t k = 0; k < views.size(); ++k) {
+    n.push_back(SymbolHandler::check_idx_int(name, views, k));
   }
   if (name == "BitVec" && n.size() == 1) {
     return d_tm->get_bv_type(n[0]);

@@ -131,8 +131,8 @@ bool all_digits(std::string_view s) {
 }  // namespace
 
 SmtLibTermParser::SmtLibTermParser(TermManager* tm) : d_tm(tm) {
-  define_binding("bit0", tm->make_bv_number(QNumber(0), 1));
-  define_binding("bit1", tm->make_bv_number(QNumber(1), 1));
+  define_builtin("bit0", tm->make_bv_number(QNumber(0), 1));
+  define_builtin("bit1", tm->make_bv_number(QNumber(1), 1));
   const std::pair<const char*, RoundingMode> modes[] = {
       {"roundNearestTiesToEven", RoundingMode::NearestEven},
       {"RNE", RoundingMode::NearestEven},
@@ -144,11 +144,19 @@ SmtLibTermParser::SmtLibTermParser(TermManager* tm) : d_tm(tm) {
       {"RTN", RoundingMode::MinusInf},
   };
   for (const auto& m : modes) {
-    define_binding(m.first, tm->make_fp_rounding_mode(m.second));
+    define_builtin(m.first, tm->make_fp_rounding_mode(m.second));
   }
-  define_binding("pi", tm->make_pi());
-  for (auto& e : d_defs) {
-    e.second->builtin = true;
+  define_builtin("pi", tm->make_pi());
+}
+
+// A symbol of that name that an earlier script declared in the store (pi,
+// say) keeps its place: the binding is left out.
+void SmtLibTermParser::define_builtin(std::string_view name,
+                                      const Term_* term) {
+  if (find_user_symbol(name) == nullptr) {
+    auto d = std::make_unique<Definition>(name, TermList(), term, true);
+    d_defs.insert(std::string_view(d->name), d.get());
+    d.release();
   }
 }
 

@@ -28,6 +28,10 @@ namespace zenlo {
 // as an unknown symbol.
 class SymbolHandler {
  public:
+  // The largest index of an indexed symbol or sort: widths beyond it would
+  // ask the number code for powers of two of absurd size.
+  static constexpr size_t kMaxIndex = size_t{1} << 24;
+
   virtual ~SymbolHandler() = default;
 
   // `sort` is the sort an "as" asked for, or null.
@@ -51,7 +55,8 @@ class SymbolHandler {
                               size_t n,
                               IndexArgs indices);
   // Returns: index `position` (from 0) as a number.
-  // Throws: ParserInterface::error when it is no numeral that fits.
+  // Throws: ParserInterface::error when it is no numeral or above
+  //   kMaxIndex.
   static size_t check_idx_int(std::string_view name,
                               IndexArgs indices,
                               size_t position);
@@ -160,6 +165,7 @@ class SmtLibTermParser {
                             TermArgs args);
   const Symbol* find_user_symbol(std::string_view name) const;
   void drop_extension_binding(std::string_view name);
+  void define_builtin(std::string_view name, const Term_* term);
   NameStack* name_stack(hsh::HashMap<std::string_view, NameStack*>& table,
                         std::string_view name);
 

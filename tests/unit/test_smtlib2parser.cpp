@@ -573,6 +573,10 @@ TEST_F(SmtLib2ParserTest, DeclarationsAndBuiltInNames) {
   script("(declare-fun pi () Int) (declare-fun ~ (Int) Int)");
   EXPECT_EQ(term("pi"), var("pi", i));
   EXPECT_EQ(term("(~ pi)")->get_symbol(), tm.find_symbol("~"));
+  // Also for a later reader on the same store.
+  SmtLib2Parser later(&tm);
+  std::istringstream in("(assert (= pi 3))");
+  EXPECT_EQ(later.parse_list(in).size(), 1u);
   // A declaration with the same type is the same symbol.
   script("(declare-fun k () Int) (declare-fun k () Int)");
   EXPECT_NE(
