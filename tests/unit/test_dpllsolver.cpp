@@ -1,0 +1,752 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "api/terminationtest.h"
+#include "dimacs_loader.h"
+#include "dpll/dpllsolver.h"
+
+namespace zenlo {
+namespace {
+
+using dpll::Lit;
+using dpll::mk_lit;
+using dpll::Var;
+using zenlo_test::Cnf;
+
+Lit to_lit(int d) {
+  return mk_lit(std::abs(d) - 1, d < 0);
+}
+
+std::vector<Lit> to_lits(const std::vector<int>& clause) {
+  std::vector<Lit> lits;
+  for (int d : clause) {
+    lits.push_back(to_lit(d));
+  }
+  return lits;
+}
+
+// Adds the clauses of `cnf`. Returns: false if the engine found unsat.
+bool load(DpllSolver& s, const Cnf& cnf) {
+  while (s.num_vars() < cnf.num_vars) {
+    s.new_var();
+  }
+  bool ok = true;
+  for (const auto& cl : cnf.clauses) {
+    std::vector<Lit> lits = to_lits(cl);
+    ok = s.add_clause_inplace(lits) && ok;
+  }
+  return ok;
+}
+
+bool lit_true_in_model(const DpllSolver& s, int d) {
+  return s.get_model_value(std::abs(d) - 1) == lbool::from_bool(d > 0);
+}
+
+::testing::AssertionResult satisfies(
+    const DpllSolver& s, const std::vector<std::vector<int>>& clauses) {
+  for (size_t i = 0; i < clauses.size(); ++i) {
+    const auto& cl = clauses[i];
+    if (std::none_of(cl.begin(), cl.end(), [&s](int d) {
+          return lit_true_in_model(s, d);
+        })) {
+      return ::testing::AssertionFailure() << "clause " << i << " violated";
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+std::string data_dir() {
+  return std::string(ZENLO_TEST_DATA_DIR) + "/cnf/";
+}
+
+std::vector<std::string> files_in(const std::string& sub) {
+  std::vector<std::string> out;
+  for (const auto& e : std::filesystem::directory_iterator(data_dir() + sub)) {
+    out.push_back(e.path().string());
+  }
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+Cnf load_file(const std::string& name) {
+  return zenlo_test::load_dimacs(data_dir() + name);
+}
+
+// ---------------------------------------------------------------------------
+// Building blocks
+// ---------------------------------------------------------------------------
+
+TEST(DpllClause, LayoutAndLimits) {
+  std::vector<Lit> lits{mk_lit(3), mk_lit(40, true), mk_lit(7)};
+  dpll::Clause* c = dpll::Clause_new(true, 17, lits, false, true);
+  EXPECT_EQ(c->size(), 3u);
+  EXPECT_EQ(c->id(), 17);
+  EXPECT_TRUE(c->extended());
+  EXPECT_TRUE(c->theory());
+  EXPECT_FALSE(c->learnt());
+  EXPECT_EQ(c->refcount(), 1u);
+  EXPECT_EQ(c->abstraction(), (1u << 3) | (1u << (40 & 31)) | (1u << 7));
+  EXPECT_EQ(c->guard(), dpll::var_Undef);
+  c->set_lbd(300);
+  EXPECT_EQ(c->lbd(), 255u);
+  EXPECT_EQ((*c)[1], mk_lit(40, true));
+  c->retain();
+  dpll::Clause::release(c);
+  EXPECT_EQ(c->refcount(), 1u);
+  dpll::Clause::release(c);
+
+  dpll::Clause* p = dpll::Clause::create_placeholder();
+  EXPECT_EQ(p->id(), -1);
+  EXPECT_EQ(p->size(), 0u);
+  dpll::Clause::release(p);
+
+  try {
+    dpll::Clause::create(false, 0, nullptr, 0x1000000, false, false);
+    FAIL() << "no exception";
+  } catch (const Exception& e) {
+    EXPECT_EQ(e.message(),
+              "max clause size exceeded (size: 16777216, max: 16777215)");
+  }
+}
+
+TEST(DpllReallocVector, GrowthSequence) {
+  ReallocVector<int> v;
+  std::vector<uint32_t> caps;
+  for (int i = 0; i < 20; ++i) {
+    v.push_back(i);
+    if (caps.empty() || caps.back() != v.capacity()) {
+      caps.push_back(v.capacity());
+    }
+  }
+  EXPECT_EQ(caps, (std::vector<uint32_t>{2, 3, 5, 8, 12, 18, 27}));
+  EXPECT_EQ(v[19], 19);
+  v.shrink(5);
+  EXPECT_EQ(v.size(), 15u);
+}
+
+TEST(DpllHeap, OrderAndTies) {
+  std::vector<double> act{1.0, 3.0, 3.0, 0.5, 2.0};
+  Heap h(&act);
+  for (Var v : {4, 3, 2, 1, 0}) {
+    h.insert(v);
+  }
+  act[3] = 5.0;
+  h.increase(3);
+  h.remove(0);
+  std::vector<Var> order;
+  while (!h.empty()) {
+    order.push_back(h.remove_max());
+  }
+  EXPECT_EQ(order, (std::vector<Var>{3, 1, 2, 4}));
+}
+
+// ---------------------------------------------------------------------------
+// Answers on CNF files, under each search strategy
+// ---------------------------------------------------------------------------
+
+struct Variant {
+  const char* name;
+  std::function<void(Configuration::Dpll&)> tweak;
+};
+
+const std::vector<Variant>& variants() {
+  static const std::vector<Variant> all{
+      {"Default", [](Configuration::Dpll&) {}},
+      {"Luby", [](Configuration::Dpll& c) { c.restart_strategy = 1; }},
+      {"AgilityLuby",
+       [](Configuration::Dpll& c) {
+         c.restart_strategy = 2;
+         c.restart_initial = 20;
+       }},
+      {"GlucoseStyle",
+       [](Configuration::Dpll& c) {
+         c.restart_strategy = 3;
+         c.glucose_var_activity = true;
+         c.glucose_learnt_minimization = true;
+         c.branching_cache_phase = 1;
+       }},
+      {"NoPhaseCacheTrueFirst",
+       [](Configuration::Dpll& c) {
+         c.branching_cache_phase = 0;
+         c.branching_initial_phase = 1;
+       }},
+      {"RandomHeavy",
+       [](Configuration::Dpll& c) {
+         c.branching_random_frequency = 0.3;
+         c.branching_random_ignore_polarity = true;
+       }},
+      {"PlainLearning",
+       [](Configuration::Dpll& c) {
+         c.learnt_minimization = false;
+         c.store_tlemmas = true;
+         c.remove_satisfied = false;
+       }},
+  };
+  return all;
+}
+
+class DpllFiles : public ::testing::TestWithParam<size_t> {};
+
+TEST_P(DpllFiles, AnswersAndModels) {
+  const Variant& variant = variants()[GetParam()];
+  for (const char* sub : {"sat", "unsat"}) {
+    for (const std::string& path : files_in(sub)) {
+      SCOPED_TRACE(path);
+      Cnf cnf = zenlo_test::load_dimacs(path);
+      Configuration::Dpll config;
+      variant.tweak(config);
+      DpllSolver s(&config);
+      load(s, cnf);
+      bool sat = s.solve();
+      EXPECT_EQ(sat, std::string(sub) == "sat");
+      if (sat) {
+        EXPECT_TRUE(satisfies(s, cnf.clauses));
+      }
+      // A second check on the same clauses gives the same answer.
+      EXPECT_EQ(s.solve(), sat);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Strategies,
+                         DpllFiles,
+                         ::testing::Range<size_t>(0, variants().size()),
+                         [](const auto& info) {
+                           return std::string(variants()[info.param].name);
+                         });
+
+// ---------------------------------------------------------------------------
+// Incremental use
+// ---------------------------------------------------------------------------
+
+TEST(DpllIncremental, ClausesBetweenChecksMatchFreshSolver) {
+  Cnf cnf = load_file("unsat/satlib-uuf50-218__uuf50-01.cnf");
+  Configuration::Dpll config;
+  DpllSolver inc(&config);
+  while (inc.num_vars() < cnf.num_vars) {
+    inc.new_var();
+  }
+  Cnf prefix{cnf.num_vars, {}};
+  for (size_t i = 0; i < cnf.clauses.size(); ++i) {
+    std::vector<Lit> lits = to_lits(cnf.clauses[i]);
+    inc.add_clause_inplace(lits);
+    prefix.clauses.push_back(cnf.clauses[i]);
+    if (i % 15 != 14 && i + 1 != cnf.clauses.size()) {
+      continue;
+    }
+    DpllSolver fresh(&config);
+    load(fresh, prefix);
+    bool sat = inc.solve();
+    ASSERT_EQ(sat, fresh.solve()) << "after " << i + 1 << " clauses";
+    if (sat) {
+      EXPECT_TRUE(satisfies(inc, prefix.clauses));
+    }
+  }
+  EXPECT_FALSE(inc.solve());
+}
+
+// With the trail kept after a check, new clauses arrive above the
+// backtrack levels: unit and conflicting ones wait as pending units.
+TEST(DpllIncremental, ClausesOnAKeptTrail) {
+  Cnf cnf = load_file("sat/satlib-uf50-218__uf50-0109.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, cnf);
+  for (int round = 0; round < 40; ++round) {
+    if (!s.solve(true)) {
+      break;
+    }
+    ASSERT_GT(s.decision_level(), 0);
+    // Block the current assignment of the first 12 variables.
+    std::vector<int> block;
+    for (Var v = 0; v < 12; ++v) {
+      block.push_back(s.value(v) == l_True ? -(v + 1) : v + 1);
+    }
+    cnf.clauses.push_back(block);
+    std::vector<Lit> lits = to_lits(block);
+    s.add_clause_inplace(lits);
+    if (round % 3 == 0) {
+      std::vector<Lit> unit{to_lit(round % 2 ? 13 : -13)};
+      cnf.clauses.push_back({round % 2 ? 13 : -13});
+      s.add_clause_inplace(unit);
+    }
+  }
+  DpllSolver fresh(&config);
+  load(fresh, cnf);
+  bool sat = s.solve();
+  EXPECT_EQ(sat, fresh.solve());
+  if (sat) {
+    EXPECT_TRUE(satisfies(s, cnf.clauses));
+  }
+}
+
+TEST(DpllAssumptions, ModelsAndFinalConflicts) {
+  Cnf cnf = load_file("sat/satlib-uf50-218__uf50-0119.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, cnf);
+  uint64_t x = 12345;
+  int unsat_seen = 0;
+  for (int trial = 0; trial < 40; ++trial) {
+    std::vector<Lit> assumptions;
+    for (int k = 0; k < 6; ++k) {
+      x = x * 6364136223846793005ULL + 1442695040888963407ULL;
+      assumptions.push_back(mk_lit((x >> 33) % 50, (x >> 20) & 1));
+    }
+    if (s.solve(assumptions)) {
+      EXPECT_TRUE(satisfies(s, cnf.clauses));
+      for (Lit a : assumptions) {
+        EXPECT_EQ(s.get_model_value(dpll::var(a)),
+                  lbool::from_bool(!dpll::sign(a)));
+      }
+      continue;
+    }
+    ++unsat_seen;
+    // The conflict holds negated assumptions, and they alone are unsat.
+    std::vector<Lit> core;
+    for (Lit p : s.get_conflict()) {
+      EXPECT_NE(std::find(assumptions.begin(), assumptions.end(), p ^ 1),
+                assumptions.end());
+      core.push_back(p ^ 1);
+    }
+    EXPECT_FALSE(core.empty());
+    EXPECT_FALSE(s.solve(core));
+    DpllSolver check(&config);
+    load(check, cnf);
+    for (Lit a : core) {
+      std::vector<Lit> unit{a};
+      check.add_clause_inplace(unit);
+    }
+    EXPECT_FALSE(check.solve());
+    EXPECT_TRUE(s.okay());
+  }
+  EXPECT_GT(unsat_seen, 0);
+  EXPECT_TRUE(s.solve());
+}
+
+TEST(DpllAssumptions, UnsatWithoutAssumptionsGivesEmptyConflict) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, load_file("unsat/cadical__ph4.cnf"));
+  std::vector<Lit> assumptions{mk_lit(0), mk_lit(3, true)};
+  EXPECT_FALSE(s.solve(assumptions));
+  for (Lit p : s.get_conflict()) {
+    EXPECT_TRUE(p == (assumptions[0] ^ 1) || p == (assumptions[1] ^ 1));
+  }
+  EXPECT_FALSE(s.solve());
+  EXPECT_EQ(s.ok_state(), 0);
+  EXPECT_FALSE(s.solve(assumptions));
+  EXPECT_TRUE(s.get_conflict().empty());
+}
+
+// ---------------------------------------------------------------------------
+// Backtrack points
+// ---------------------------------------------------------------------------
+
+TEST(DpllBacktrackPoints, PopRestoresEarlierAnswer) {
+  Cnf base = load_file("sat/satlib-uf50-218__uf50-0134.cnf");
+  Cnf extra = load_file("unsat/satlib-uuf50-218__uuf50-0119.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, base);
+  ASSERT_TRUE(s.solve());
+  for (int round = 0; round < 3; ++round) {
+    Var guard = s.push_backtrack_point();
+    EXPECT_EQ(guard, 50);
+    EXPECT_EQ(s.num_backtrack_points(), 1);
+    for (const auto& cl : extra.clauses) {
+      std::vector<Lit> lits = to_lits(cl);
+      s.add_clause_inplace(lits);
+    }
+    EXPECT_FALSE(s.solve());
+    s.pop_backtrack_point();
+    EXPECT_EQ(s.num_vars(), 50);
+    ASSERT_TRUE(s.solve());
+    EXPECT_TRUE(satisfies(s, base.clauses));
+  }
+}
+
+TEST(DpllBacktrackPoints, NestedPointsAndYoungVariables) {
+  Cnf base = load_file("sat/satlib-uf50-218__uf50-0152.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, base);
+  s.push_backtrack_point();
+  // Inside the first point: x1 and a fresh variable y with y -> -x2.
+  Var y = s.new_var();
+  std::vector<Lit> c1{mk_lit(0)};
+  std::vector<Lit> c2{mk_lit(y, true), mk_lit(1, true)};
+  std::vector<Lit> c3{mk_lit(y)};
+  s.add_clause_inplace(c1);
+  s.add_clause_inplace(c2);
+  s.add_clause_inplace(c3);
+  bool sat1 = s.solve();
+  if (sat1) {
+    EXPECT_EQ(s.get_model_value(0), l_True);
+    EXPECT_EQ(s.get_model_value(1), l_False);
+  }
+  s.push_backtrack_point();
+  std::vector<Lit> c4{mk_lit(0, true)};
+  s.add_clause_inplace(c4);
+  EXPECT_FALSE(s.solve());
+  EXPECT_GE(s.ok_state(), 0);
+  s.pop_backtrack_point();
+  EXPECT_EQ(s.solve(), sat1);
+  s.pop_backtrack_point();
+  EXPECT_EQ(s.num_vars(), 50);
+  ASSERT_TRUE(s.solve());
+  EXPECT_TRUE(satisfies(s, base.clauses));
+}
+
+TEST(DpllBacktrackPoints, EmptyClauseInsidePoint) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  s.new_var();
+  s.push_backtrack_point();
+  s.push_backtrack_point();
+  std::vector<Lit> empty;
+  EXPECT_FALSE(s.add_clause_inplace(empty));
+  // The guard literal is false at its own level: unsat with two points.
+  EXPECT_EQ(s.ok_state(), 2);
+  EXPECT_FALSE(s.solve());
+  s.pop_backtrack_point();
+  EXPECT_EQ(s.ok_state(), -1);
+  EXPECT_TRUE(s.solve());
+  s.pop_backtrack_point();
+  EXPECT_TRUE(s.solve());
+}
+
+TEST(DpllBacktrackPoints, ProxiesOfPoppedAtomsGo) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  int storage[3];
+  auto term = [&storage](int i) {
+    return reinterpret_cast<const Term_*>(&storage[i]);
+  };
+  Var a = dpll::var_Undef;
+  EXPECT_TRUE(s.make_proxy(term(0), a));
+  Var again = dpll::var_Undef;
+  EXPECT_FALSE(s.make_proxy(term(0), again));
+  EXPECT_EQ(again, a);
+  s.push_backtrack_point();
+  Var b = dpll::var_Undef;
+  EXPECT_TRUE(s.make_proxy(term(1), b));
+  EXPECT_EQ(s.term_of(b), term(1));
+  s.pop_backtrack_point();
+  EXPECT_EQ(s.proxy_for_term(term(1)), dpll::var_Undef);
+  EXPECT_EQ(s.proxy_for_term(term(0)), a);
+  EXPECT_TRUE(s.make_proxy(term(1), b));
+  EXPECT_EQ(b, 1);
+}
+
+// The pigeonhole clauses inside a point are refuted through learning,
+// which ends with the guard literal false at level 0; the pop repairs the
+// trail and the older clauses keep their answer.
+TEST(DpllBacktrackPoints, GuardRefutedAtLevelZero) {
+  Cnf base = load_file("sat/satlib-uf20-91__uf20-0132.cnf");
+  Cnf php = load_file("unsat/cadical__ph5.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, base);
+  std::vector<Lit> unit{mk_lit(0, base.clauses[0][0] < 0)};
+  for (int round = 0; round < 2; ++round) {
+    s.push_backtrack_point();
+    Var offset = s.num_vars();
+    for (int v = 0; v < php.num_vars; ++v) {
+      s.new_var();
+    }
+    for (const auto& cl : php.clauses) {
+      std::vector<Lit> lits;
+      for (int d : cl) {
+        lits.push_back(mk_lit(offset + std::abs(d) - 1, d < 0));
+      }
+      s.add_clause_inplace(lits);
+    }
+    EXPECT_FALSE(s.solve());
+    EXPECT_EQ(s.ok_state(), 1);
+    s.pop_backtrack_point();
+    EXPECT_EQ(s.num_vars(), 20);
+    ASSERT_TRUE(s.solve());
+    EXPECT_TRUE(satisfies(s, base.clauses));
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Limits and the termination test
+// ---------------------------------------------------------------------------
+
+TEST(DpllLimits, SolveLimited) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, load_file("unsat/satch__add16.cnf"));
+  EXPECT_EQ(s.solve_limited({}, 5, 0, 0), l_Undef);
+  EXPECT_GE(s.stats().check_conflicts, 5u);
+  EXPECT_LE(s.stats().check_conflicts, 6u);
+  EXPECT_EQ(s.solve_limited({}, 0, 0, 3), l_Undef);
+  EXPECT_EQ(s.stats().check_decisions, 3u);
+  EXPECT_EQ(s.solve_limited({}, 0, 100, 0), l_Undef);
+  EXPECT_EQ(s.solve_limited({}, 0, 0, 0), l_False);
+  EXPECT_TRUE(s.okay() == false);
+}
+
+class CountingTest : public TerminationTest {
+ public:
+  explicit CountingTest(int fire_at) : d_fire_at(fire_at) {}
+
+  bool should_terminate() override { return ++d_calls >= d_fire_at; }
+
+  int d_calls = 0;
+
+ private:
+  int d_fire_at;
+};
+
+TEST(DpllLimits, TerminationTestStopsTheSearch) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, load_file("unsat/cadical__ph5.cnf"));
+  CountingTest quiet(1 << 30);
+  s.set_termination_test(&quiet);
+  EXPECT_FALSE(s.solve());
+  // Polled at every step before the first conflict of each restart.
+  EXPECT_GT(quiet.d_calls, static_cast<int>(s.stats().restarts));
+
+  DpllSolver t(&config);
+  load(t, load_file("unsat/cadical__ph5.cnf"));
+  CountingTest fire(3);
+  t.set_termination_test(&fire);
+  EXPECT_THROW(t.solve(), TerminationTest::terminated);
+  EXPECT_EQ(fire.d_calls, 3);
+}
+
+// ---------------------------------------------------------------------------
+// Branching
+// ---------------------------------------------------------------------------
+
+TEST(DpllBranching, PreferredPolarityAndDecisionFlags) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  for (int i = 0; i < 4; ++i) {
+    s.new_var();
+  }
+  s.add_preferred_for_branching(mk_lit(2));
+  s.add_preferred_for_branching(mk_lit(1, true));
+  s.set_decision_var(3, false);
+  ASSERT_TRUE(s.solve());
+  EXPECT_EQ(s.get_model_value(2), l_True);
+  EXPECT_EQ(s.get_model_value(1), l_False);
+  EXPECT_EQ(s.get_model_value(0), l_False);  // initial phase false
+  EXPECT_EQ(s.get_model_value(3), l_Undef);  // never decided
+  // A dependent variable follows its master's decision flag.
+  s.set_decision_var_dep(0, 3);
+  EXPECT_FALSE(s.is_decision_var(0));
+  s.set_decision_var(3, true);
+  EXPECT_TRUE(s.is_decision_var(0));
+}
+
+// ---------------------------------------------------------------------------
+// The theory road, driven by a theory that knows clauses the engine does
+// not: they reach the search as conflicts, implications or lemmas.
+// ---------------------------------------------------------------------------
+
+enum class TheoryMode { LazyReasons, EagerReasons, Lemmas };
+
+class ClauseTheorySolver : public DpllSolver {
+ public:
+  ClauseTheorySolver(Configuration::Dpll* config,
+                     std::vector<std::vector<Lit>> hidden,
+                     TheoryMode mode)
+      : DpllSolver(config), d_hidden(std::move(hidden)), d_mode(mode) {
+    enable_theory_hooks(true);
+  }
+
+  int explanations = 0;
+  int lemmas_given = 0;
+  int retracted = 0;
+
+ protected:
+  void theory_cancel_until(int) override {
+    d_conflict = -1;
+    d_implied.clear();
+  }
+
+  void theory_check(bool) override {
+    d_conflict = -1;
+    for (size_t i = 0; i < d_hidden.size(); ++i) {
+      if (d_mode == TheoryMode::Lemmas && d_given.count(i)) {
+        continue;
+      }
+      int open = 0;
+      Lit last = dpll::lit_Undef;
+      bool sat = false;
+      for (Lit p : d_hidden[i]) {
+        sat = sat || value_lit(p) == l_True;
+        if (value_lit(p).is_undef()) {
+          ++open;
+          last = p;
+        }
+      }
+      if (sat || open > 1) {
+        continue;
+      }
+      if (d_mode == TheoryMode::Lemmas) {
+        if (std::find(d_pending.begin(), d_pending.end(), i)
+            == d_pending.end()) {
+          d_pending.push_back(i);
+        }
+      } else if (open == 0) {
+        d_conflict = static_cast<int>(i);
+        return;
+      } else {
+        d_reason[last] = i;
+        d_implied.push_back(last);
+      }
+    }
+  }
+
+  bool theory_in_conflict() override { return d_conflict >= 0; }
+
+  void theory_conflict_lits(std::vector<Lit>& out) override {
+    for (Lit p : d_hidden[d_conflict]) {
+      out.push_back(p ^ 1);
+    }
+  }
+
+  Lit theory_next_implied() override {
+    while (!d_implied.empty()) {
+      Lit p = d_implied.back();
+      d_implied.pop_back();
+      if (value_lit(p).is_undef()) {
+        return p;
+      }
+    }
+    return dpll::lit_Undef;
+  }
+
+  bool theory_explanation(Lit p, bool force, std::vector<Lit>& out) override {
+    if (!force && d_mode == TheoryMode::LazyReasons) {
+      return false;
+    }
+    ++explanations;
+    for (Lit q : d_hidden[d_reason.at(p)]) {
+      if (q != p) {
+        out.push_back(q ^ 1);
+      }
+    }
+    return true;
+  }
+
+  bool theory_has_lemmas() override { return !d_pending.empty(); }
+
+  int theory_next_lemma(std::vector<Lit>& lits,
+                        bool& first,
+                        bool& second) override {
+    size_t i = d_pending.back();
+    d_pending.pop_back();
+    lits = d_hidden[i];
+    d_given[i] = ++lemmas_given;
+    first = true;
+    second = i % 2 == 0;  // odd ones are learnt and may be retracted
+    d_lemma_of[d_given[i]] = i;
+    return d_given[i];
+  }
+
+  void theory_retract_lemma(int id) override {
+    ++retracted;
+    d_given.erase(d_lemma_of.at(id));
+  }
+
+ private:
+  std::vector<std::vector<Lit>> d_hidden;
+  TheoryMode d_mode;
+  int d_conflict = -1;
+  std::vector<Lit> d_implied;
+  std::map<Lit, size_t> d_reason;
+  std::vector<size_t> d_pending;
+  std::map<size_t, int> d_given;
+  std::map<int, size_t> d_lemma_of;
+};
+
+class DpllTheoryRoad : public ::testing::TestWithParam<TheoryMode> {};
+
+TEST_P(DpllTheoryRoad, HiddenClausesGiveTheSameAnswers) {
+  std::vector<std::string> files = files_in("sat");
+  for (const std::string& f : files_in("unsat")) {
+    files.push_back(f);
+  }
+  int explanations = 0;
+  for (const std::string& path : files) {
+    if (path.find("satlib") == std::string::npos) {
+      continue;
+    }
+    SCOPED_TRACE(path);
+    Cnf cnf = zenlo_test::load_dimacs(path);
+    Cnf visible{cnf.num_vars, {}};
+    std::vector<std::vector<Lit>> hidden;
+    for (size_t i = 0; i < cnf.clauses.size(); ++i) {
+      if (i % 3 == 1) {
+        hidden.push_back(to_lits(cnf.clauses[i]));
+      } else {
+        visible.clauses.push_back(cnf.clauses[i]);
+      }
+    }
+    Configuration::Dpll config;
+    ClauseTheorySolver s(&config, hidden, GetParam());
+    load(s, visible);
+    bool expected = path.find("/sat/") != std::string::npos;
+    ASSERT_EQ(s.solve(), expected);
+    if (expected) {
+      EXPECT_TRUE(satisfies(s, cnf.clauses));
+    }
+    // Inside a backtrack point the hidden clauses keep working, and a
+    // contradiction told in the point goes with it.
+    s.push_backtrack_point();
+    std::vector<Lit> a{mk_lit(0)};
+    std::vector<Lit> b{mk_lit(0, true)};
+    s.add_clause_inplace(a);
+    s.add_clause_inplace(b);
+    EXPECT_FALSE(s.solve());
+    s.pop_backtrack_point();
+    ASSERT_EQ(s.solve(), expected);
+    if (expected) {
+      EXPECT_TRUE(satisfies(s, cnf.clauses));
+    }
+    explanations += s.explanations;
+    if (GetParam() == TheoryMode::Lemmas) {
+      EXPECT_GT(s.lemmas_given, 0);
+    }
+  }
+  if (GetParam() != TheoryMode::Lemmas) {
+    EXPECT_GT(explanations, 0);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes,
+                         DpllTheoryRoad,
+                         ::testing::Values(TheoryMode::LazyReasons,
+                                           TheoryMode::EagerReasons,
+                                           TheoryMode::Lemmas));
+
+TEST(DpllStats, NamesInOrder) {
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, load_file("unsat/cadical__ph4.cnf"));
+  s.solve();
+  auto stats = s.get_stats();
+  ASSERT_EQ(stats.size(), 10u);
+  EXPECT_EQ(stats[0].first, ":sat-checks");
+  EXPECT_EQ(stats[0].second, "1");
+  EXPECT_EQ(stats[8].first, ":sat-conflicts");
+  EXPECT_EQ(stats[8].second, std::to_string(s.stats().conflicts));
+  EXPECT_GT(s.stats().conflicts, 0u);
+}
+
+}  // namespace
+}  // namespace zenlo
