@@ -126,6 +126,8 @@ void DpllSolver::init_check() {
   d_stats.check_propagations = 0;
   d_stats.check_decisions = 0;
 
+  d_restart_strategy = d_config->restart_strategy;
+  d_agility_on = d_restart_strategy == 2;
   uint64_t c = d_clauses.size();
   d_reduce_threshold = std::max(c, kMinReduceThreshold);
   d_reduce_increment = std::max(c / 10, kMinReduceIncrement);

@@ -556,15 +556,24 @@ TEST(DpllBranching, PreferredPolarityAndDecisionFlags) {
 // not: they reach the search as conflicts, implications or lemmas.
 // ---------------------------------------------------------------------------
 
-enum class TheoryMode { LazyReasons, EagerReasons, Lemmas };
+enum class TheoryMode {
+  LazyReasons,    // conflicts and implications, explained on demand
+  EagerReasons,   // implications explained at once
+  LateConflicts,  // conflicts only on a full assignment
+  Lemmas,         // lemmas, also unasked and satisfied ones
+  LateLemmas,     // lemmas only on a full assignment
+};
 
 class ClauseTheorySolver : public DpllSolver {
  public:
-  ClauseTheorySolver(Configuration::Dpll* config,
-                     std::vector<std::vector<Lit>> hidden,
-                     TheoryMode mode)
-      : DpllSolver(config), d_hidden(std::move(hidden)), d_mode(mode) {
+  ClauseTheorySolver(Configuration::Dpll* config, TheoryMode mode)
+      : DpllSolver(config), d_mode(mode) {
     enable_theory_hooks(true);
+  }
+
+  // A clause the theory knows, scoped by the current backtrack point.
+  void hide(std::vector<Lit> clause) {
+    d_hidden.push_back({std::move(clause), num_backtrack_points()});
   }
 
   int explanations = 0;
@@ -572,31 +581,59 @@ class ClauseTheorySolver : public DpllSolver {
   int retracted = 0;
 
  protected:
+  struct Hidden {
+    std::vector<Lit> lits;
+    int depth;
+  };
+
+  bool lemma_mode() const {
+    return d_mode == TheoryMode::Lemmas || d_mode == TheoryMode::LateLemmas;
+  }
+
   void theory_cancel_until(int) override {
     d_conflict = -1;
     d_implied.clear();
   }
 
-  void theory_check(bool) override {
+  void theory_pop_backtrack_point() override {
+    while (!d_hidden.empty()
+           && d_hidden.back().depth > num_backtrack_points()) {
+      d_given.erase(d_hidden.size() - 1);
+      d_hidden.pop_back();
+    }
+    d_pending.clear();
+  }
+
+  void theory_check(bool approx) override {
     d_conflict = -1;
+    ++d_checks;
+    bool late =
+        d_mode == TheoryMode::LateConflicts || d_mode == TheoryMode::LateLemmas;
+    if (late && approx) {
+      return;
+    }
+    if (d_mode == TheoryMode::Lemmas && d_checks % 20 == 0) {
+      reduce_db();  // so that learnt lemmas are retracted now and then
+    }
     for (size_t i = 0; i < d_hidden.size(); ++i) {
-      if (d_mode == TheoryMode::Lemmas && d_given.count(i)) {
+      if (lemma_mode() && d_given.count(i)) {
         continue;
       }
       int open = 0;
       Lit last = dpll::lit_Undef;
       bool sat = false;
-      for (Lit p : d_hidden[i]) {
+      for (Lit p : d_hidden[i].lits) {
         sat = sat || value_lit(p) == l_True;
         if (value_lit(p).is_undef()) {
           ++open;
           last = p;
         }
       }
-      if (sat || open > 1) {
+      bool unasked = d_mode == TheoryMode::Lemmas && (d_checks + i) % 7 == 0;
+      if (!unasked && (sat || open > 1)) {
         continue;
       }
-      if (d_mode == TheoryMode::Lemmas) {
+      if (lemma_mode()) {
         if (std::find(d_pending.begin(), d_pending.end(), i)
             == d_pending.end()) {
           d_pending.push_back(i);
@@ -604,7 +641,7 @@ class ClauseTheorySolver : public DpllSolver {
       } else if (open == 0) {
         d_conflict = static_cast<int>(i);
         return;
-      } else {
+      } else if (!late) {
         d_reason[last] = i;
         d_implied.push_back(last);
       }
@@ -614,7 +651,7 @@ class ClauseTheorySolver : public DpllSolver {
   bool theory_in_conflict() override { return d_conflict >= 0; }
 
   void theory_conflict_lits(std::vector<Lit>& out) override {
-    for (Lit p : d_hidden[d_conflict]) {
+    for (Lit p : d_hidden[d_conflict].lits) {
       out.push_back(p ^ 1);
     }
   }
@@ -635,7 +672,7 @@ class ClauseTheorySolver : public DpllSolver {
       return false;
     }
     ++explanations;
-    for (Lit q : d_hidden[d_reason.at(p)]) {
+    for (Lit q : d_hidden[d_reason.at(p)].lits) {
       if (q != p) {
         out.push_back(q ^ 1);
       }
@@ -650,7 +687,7 @@ class ClauseTheorySolver : public DpllSolver {
                         bool& second) override {
     size_t i = d_pending.back();
     d_pending.pop_back();
-    lits = d_hidden[i];
+    lits = d_hidden[i].lits;
     d_given[i] = ++lemmas_given;
     first = true;
     second = i % 2 == 0;  // odd ones are learnt and may be retracted
@@ -658,15 +695,33 @@ class ClauseTheorySolver : public DpllSolver {
     return d_given[i];
   }
 
+  // Theory combination on a full assignment: once it brings a new atom,
+  // once it sends the search back to level 0.
+  int theory_boolean_model_found() override {
+    if (d_mode != TheoryMode::LateLemmas || d_combinations >= 2) {
+      return -1;
+    }
+    if (d_combinations++ == 0) {
+      new_var();
+      return -1;
+    }
+    return 0;
+  }
+
   void theory_retract_lemma(int id) override {
     ++retracted;
-    d_given.erase(d_lemma_of.at(id));
+    auto it = d_given.find(d_lemma_of.at(id));
+    if (it != d_given.end() && it->second == id) {
+      d_given.erase(it);
+    }
   }
 
  private:
-  std::vector<std::vector<Lit>> d_hidden;
   TheoryMode d_mode;
+  std::vector<Hidden> d_hidden;
   int d_conflict = -1;
+  uint64_t d_checks = 0;
+  int d_combinations = 0;
   std::vector<Lit> d_implied;
   std::map<Lit, size_t> d_reason;
   std::vector<size_t> d_pending;
@@ -676,6 +731,8 @@ class ClauseTheorySolver : public DpllSolver {
 
 class DpllTheoryRoad : public ::testing::TestWithParam<TheoryMode> {};
 
+// Every third clause, and a unit clause that a model allows, is known only
+// to the theory; the answers and models must be those of the whole set.
 TEST_P(DpllTheoryRoad, HiddenClausesGiveTheSameAnswers) {
   std::vector<std::string> files = files_in("sat");
   for (const std::string& f : files_in("unsat")) {
@@ -688,32 +745,42 @@ TEST_P(DpllTheoryRoad, HiddenClausesGiveTheSameAnswers) {
     }
     SCOPED_TRACE(path);
     Cnf cnf = zenlo_test::load_dimacs(path);
+    Configuration::Dpll config;
+    config.store_tlemmas = GetParam() == TheoryMode::Lemmas;
+    bool expected = path.find("/sat/") != std::string::npos;
+    {
+      DpllSolver plain(&config);
+      load(plain, cnf);
+      ASSERT_EQ(plain.solve(), expected);
+      cnf.clauses.push_back({lit_true_in_model(plain, 1) ? 1 : -1});
+    }
     Cnf visible{cnf.num_vars, {}};
-    std::vector<std::vector<Lit>> hidden;
+    ClauseTheorySolver s(&config, GetParam());
     for (size_t i = 0; i < cnf.clauses.size(); ++i) {
-      if (i % 3 == 1) {
-        hidden.push_back(to_lits(cnf.clauses[i]));
+      if (i % 3 == 1 || i + 1 == cnf.clauses.size()) {
+        s.hide(to_lits(cnf.clauses[i]));
       } else {
         visible.clauses.push_back(cnf.clauses[i]);
       }
     }
-    Configuration::Dpll config;
-    ClauseTheorySolver s(&config, hidden, GetParam());
     load(s, visible);
-    bool expected = path.find("/sat/") != std::string::npos;
     ASSERT_EQ(s.solve(), expected);
     if (expected) {
       EXPECT_TRUE(satisfies(s, cnf.clauses));
     }
-    // Inside a backtrack point the hidden clauses keep working, and a
-    // contradiction told in the point goes with it.
+    const int vars = s.num_vars();
+    // Inside a backtrack point the theory learns facts over a new atom y
+    // that contradict each other; its clauses carry the point's guard and
+    // go with the point and with y.
     s.push_backtrack_point();
-    std::vector<Lit> a{mk_lit(0)};
-    std::vector<Lit> b{mk_lit(0, true)};
-    s.add_clause_inplace(a);
-    s.add_clause_inplace(b);
+    Var y = s.new_var();
+    s.hide({mk_lit(y)});
+    s.hide({mk_lit(y, true), mk_lit(0)});
+    s.hide({mk_lit(y, true), mk_lit(0, true), mk_lit(2)});
+    s.hide({mk_lit(y, true), mk_lit(0, true), mk_lit(2, true)});
     EXPECT_FALSE(s.solve());
     s.pop_backtrack_point();
+    EXPECT_EQ(s.num_vars(), vars);
     ASSERT_EQ(s.solve(), expected);
     if (expected) {
       EXPECT_TRUE(satisfies(s, cnf.clauses));
@@ -723,7 +790,8 @@ TEST_P(DpllTheoryRoad, HiddenClausesGiveTheSameAnswers) {
       EXPECT_GT(s.lemmas_given, 0);
     }
   }
-  if (GetParam() != TheoryMode::Lemmas) {
+  if (GetParam() == TheoryMode::LazyReasons
+      || GetParam() == TheoryMode::EagerReasons) {
     EXPECT_GT(explanations, 0);
   }
 }
@@ -732,7 +800,39 @@ INSTANTIATE_TEST_SUITE_P(Modes,
                          DpllTheoryRoad,
                          ::testing::Values(TheoryMode::LazyReasons,
                                            TheoryMode::EagerReasons,
-                                           TheoryMode::Lemmas));
+                                           TheoryMode::LateConflicts,
+                                           TheoryMode::Lemmas,
+                                           TheoryMode::LateLemmas));
+
+TEST(DpllClauseDb, RemovingClauses) {
+  Cnf cnf = load_file("unsat/satlib-uuf50-218__uuf50-0122.cnf");
+  Configuration::Dpll config;
+  DpllSolver s(&config);
+  load(s, cnf);
+  EXPECT_EQ(s.solve_limited({}, 50, 0, 0), l_Undef);
+  EXPECT_GT(s.num_learnts(), 0u);
+  s.remove_learnt_clauses();
+  EXPECT_EQ(s.num_learnts(), 0u);
+  EXPECT_FALSE(s.solve());
+
+  // Removing problem clauses before any check leaves exactly the rest.
+  DpllSolver r(&config);
+  load(r, cnf);
+  std::vector<dpll::Clause*> all = r.problem_clauses();
+  ASSERT_EQ(all.size(), cnf.clauses.size());
+  for (size_t i = 0; i < 40; ++i) {
+    EXPECT_TRUE(r.remove_clause(all[i], false));
+  }
+  EXPECT_EQ(r.num_clauses(), cnf.clauses.size() - 40);
+  Cnf rest{cnf.num_vars, {cnf.clauses.begin() + 40, cnf.clauses.end()}};
+  DpllSolver fresh(&config);
+  load(fresh, rest);
+  bool sat = r.solve();
+  EXPECT_EQ(sat, fresh.solve());
+  if (sat) {
+    EXPECT_TRUE(satisfies(r, rest.clauses));
+  }
+}
 
 TEST(DpllStats, NamesInOrder) {
   Configuration::Dpll config;
