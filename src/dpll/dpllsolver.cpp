@@ -289,6 +289,12 @@ bool DpllSolver::add_clause_inplace(std::vector<Lit>& lits,
                                     bool theory,
                                     bool tell) {
   (void)tell;  // only the ghost filter listens
+  for (Lit p : lits) {
+    if (p < 0 || var(p) >= num_vars()) {
+      throw error("clause literal `" + std::to_string(p)
+                  + "' names no variable of the engine");
+    }
+  }
   if (!d_btpoints.empty()) {
     lits.push_back(d_btpoints.back() ^ 1);
   }

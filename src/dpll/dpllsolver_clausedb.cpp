@@ -124,12 +124,16 @@ void DpllSolver::reduce_db() {
               return x->size() > 2 && (y->size() == 2 || score(x) < score(y));
             });
   const size_t judged = static_cast<size_t>(n * d_config->reduce_fraction);
+  // Lemmas waiting as pending units are referenced from that list.
+  std::vector<Clause*> pending(d_pending_units);
+  std::sort(pending.begin(), pending.end());
   std::vector<Clause*> doomed;
   size_t j = 0;
   for (size_t i = 0; i < n; ++i) {
     Clause* c = d_learnts[i];
-    bool keep =
-        c->lbd() <= 2 || locked(c) || (i >= judged && c->activity() >= extra);
+    bool keep = c->lbd() <= 2 || locked(c)
+                || (i >= judged && c->activity() >= extra)
+                || std::binary_search(pending.begin(), pending.end(), c);
     if (keep) {
       d_learnts[j++] = c;
     } else {

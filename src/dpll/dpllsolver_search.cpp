@@ -81,6 +81,12 @@ lbool DpllSolver::solve_limited(const std::vector<Lit>& assumptions,
 lbool DpllSolver::do_solve(const std::vector<Lit>& assumptions, bool keep) {
   d_model.clear();
   d_conflict.clear();
+  for (Lit a : assumptions) {
+    if (a < 0 || var(a) >= num_vars()) {
+      throw error("assumption `" + std::to_string(a)
+                  + "' names no variable of the engine");
+    }
+  }
   if (d_ok >= 0) {
     return l_False;
   }
@@ -257,6 +263,9 @@ lbool DpllSolver::search() {
       case Step::Again: continue;
       case Step::Unsat: return l_False;
       case Step::Next: break;
+    }
+    if (!d_pending_units.empty()) {
+      continue;
     }
     if (d_model_generation && d_theory_on) {
       theory_build_model();

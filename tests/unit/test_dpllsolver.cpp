@@ -287,6 +287,72 @@ TEST(DpllIncremental, ClausesOnAKeptTrail) {
   }
 }
 
+// Random sequences of pushes, pops, clauses and checks under assumptions;
+// every answer is compared with a fresh engine on the clauses in force.
+TEST(DpllIncremental, RandomSequencesMatchFreshSolver) {
+  uint64_t x = 88172645463325252ULL;
+  auto next = [&x](uint64_t n) {
+    x ^= x << 13;
+    x ^= x >> 7;
+    x ^= x << 17;
+    return x % n;
+  };
+  for (int run = 0; run < 400; ++run) {
+    Configuration::Dpll config;
+    variants()[run % variants().size()].tweak(config);
+    const int vars = 25 + run % 20;
+    DpllSolver s(&config);
+    for (int v = 0; v < vars; ++v) {
+      s.new_var();
+    }
+    std::vector<std::vector<std::vector<int>>> scopes(1);
+    for (int step = 0; step < 120; ++step) {
+      uint64_t op = next(10);
+      if (op == 0 && scopes.size() < 5) {
+        s.push_backtrack_point();
+        scopes.emplace_back();
+      } else if (op == 1 && scopes.size() > 1) {
+        s.pop_backtrack_point();
+        scopes.pop_back();
+      } else if (op < 8) {
+        std::vector<int> cl;
+        for (int k = 0; k < 3; ++k) {
+          int v = static_cast<int>(next(vars)) + 1;
+          cl.push_back(next(2) ? v : -v);
+        }
+        scopes.back().push_back(cl);
+        std::vector<Lit> lits = to_lits(cl);
+        s.add_clause_inplace(lits);
+      } else {
+        Cnf all{vars, {}};
+        for (const auto& sc : scopes) {
+          all.clauses.insert(all.clauses.end(), sc.begin(), sc.end());
+        }
+        std::vector<Lit> assumptions;
+        for (uint64_t k = next(4); k > 0; --k) {
+          assumptions.push_back(mk_lit(next(vars), next(2)));
+          all.clauses.push_back({dpll::sign(assumptions.back())
+                                     ? -(dpll::var(assumptions.back()) + 1)
+                                     : dpll::var(assumptions.back()) + 1});
+        }
+        DpllSolver fresh(&config);
+        load(fresh, all);
+        // A kept trail makes the next clauses arrive above the
+        // backtrack levels.
+        bool keep = next(3) == 0;
+        bool sat = s.solve(assumptions, keep);
+        ASSERT_EQ(sat, fresh.solve()) << "run " << run << " step " << step;
+        if (sat && keep) {
+          s.build_model();  // the kept trail is the model
+        }
+        if (sat) {
+          ASSERT_TRUE(satisfies(s, all.clauses));
+        }
+      }
+    }
+  }
+}
+
 TEST(DpllAssumptions, ModelsAndFinalConflicts) {
   Cnf cnf = load_file("sat/satlib-uf50-218__uf50-0119.cnf");
   Configuration::Dpll config;
@@ -496,6 +562,29 @@ TEST(DpllLimits, SolveLimited) {
   EXPECT_TRUE(s.okay() == false);
 }
 
+// Restarts happen exactly when the conflicts of a restart reach the
+// budget, so the restart count under a conflict limit shows the schedule.
+TEST(DpllLimits, RestartSchedules) {
+  auto restarts_after = [](int strategy, uint64_t conflicts) {
+    Configuration::Dpll config;
+    config.restart_strategy = strategy;
+    config.restart_initial = 10;
+    DpllSolver s(&config);
+    load(s, load_file("unsat/cadical__ph5.cnf"));
+    EXPECT_EQ(s.solve_limited({}, conflicts, 0, 0), l_Undef);
+    return s.stats().restarts;
+  };
+  // Luby: budgets 10 10 20 10 10 20 40 end at 10 20 40 50 60 80 120.
+  EXPECT_EQ(restarts_after(1, 120), 7u);
+  EXPECT_EQ(restarts_after(1, 121), 8u);
+  EXPECT_EQ(restarts_after(1, 80), 6u);
+  // Geometric: budgets 10 15 22.5 33.75 end at 10 25 48 82.
+  EXPECT_EQ(restarts_after(0, 82), 4u);
+  EXPECT_EQ(restarts_after(0, 83), 5u);
+  // LBD averages need 100 conflicts of a restart first.
+  EXPECT_EQ(restarts_after(3, 100), 1u);
+}
+
 class CountingTest : public TerminationTest {
  public:
   explicit CountingTest(int fire_at) : d_fire_at(fire_at) {}
@@ -612,8 +701,14 @@ class ClauseTheorySolver : public DpllSolver {
     if (late && approx) {
       return;
     }
-    if (d_mode == TheoryMode::Lemmas && d_checks % 20 == 0) {
-      reduce_db();  // so that learnt lemmas are retracted now and then
+    // Learnt lemmas are retracted now and then, as the clause database
+    // shrinks; like the engine's own schedule, only after conflicts, since
+    // a theory that takes back and gives again without progress could keep
+    // the search busy forever.
+    if (d_mode == TheoryMode::Lemmas && d_checks % 20 == 0
+        && stats().conflicts > d_conflicts_at_reduce) {
+      d_conflicts_at_reduce = stats().conflicts;
+      reduce_db();
     }
     for (size_t i = 0; i < d_hidden.size(); ++i) {
       if (lemma_mode() && d_given.count(i)) {
@@ -721,6 +816,7 @@ class ClauseTheorySolver : public DpllSolver {
   std::vector<Hidden> d_hidden;
   int d_conflict = -1;
   uint64_t d_checks = 0;
+  uint64_t d_conflicts_at_reduce = 0;
   int d_combinations = 0;
   std::vector<Lit> d_implied;
   std::map<Lit, size_t> d_reason;
@@ -793,6 +889,81 @@ TEST_P(DpllTheoryRoad, HiddenClausesGiveTheSameAnswers) {
   if (GetParam() == TheoryMode::LazyReasons
       || GetParam() == TheoryMode::EagerReasons) {
     EXPECT_GT(explanations, 0);
+  }
+}
+
+// Random pushes, pops and clauses over old and new atoms, part of them
+// known only to the theory; compared with a fresh engine that sees all.
+TEST_P(DpllTheoryRoad, RandomSequencesMatchFreshSolver) {
+  uint64_t x = 0x9E3779B97F4A7C15ULL + static_cast<int>(GetParam());
+  auto next = [&x](uint64_t n) {
+    x ^= x << 13;
+    x ^= x >> 7;
+    x ^= x << 17;
+    return x % n;
+  };
+  for (int run = 0; run < 200; ++run) {
+    Configuration::Dpll config;
+    ClauseTheorySolver s(&config, GetParam());
+    std::vector<std::pair<Var, int>> atoms;  // variable, depth
+    for (int v = 0; v < 20; ++v) {
+      atoms.emplace_back(s.new_var(), 0);
+    }
+    std::vector<std::pair<std::vector<Lit>, int>> clauses;  // lits, depth
+    for (int step = 0; step < 80; ++step) {
+      int depth = s.num_backtrack_points();
+      uint64_t op = next(12);
+      if (op == 0 && depth < 4) {
+        s.push_backtrack_point();
+      } else if (op == 1 && depth > 0) {
+        s.pop_backtrack_point();
+        auto gone = [depth](const auto& e) { return e.second >= depth; };
+        atoms.erase(std::remove_if(atoms.begin(), atoms.end(), gone),
+                    atoms.end());
+        clauses.erase(std::remove_if(clauses.begin(), clauses.end(), gone),
+                      clauses.end());
+      } else if (op == 2) {
+        atoms.emplace_back(s.new_var(), depth);
+      } else if (op < 10) {
+        std::vector<Lit> cl;
+        for (uint64_t k = 1 + next(3); k > 0; --k) {
+          cl.push_back(mk_lit(atoms[next(atoms.size())].first, next(2)));
+        }
+        // Theory knowledge is valid for as long as its atoms exist, so a
+        // fact learnt inside a point mentions an atom of that point.
+        bool hide = next(2) != 0;
+        if (hide && depth > 0) {
+          Var young = s.new_var();
+          atoms.emplace_back(young, depth);
+          cl.push_back(mk_lit(young, next(2)));
+        }
+        clauses.emplace_back(cl, depth);
+        if (hide) {
+          s.hide(cl);
+        } else {
+          s.add_clause_inplace(cl);
+        }
+      } else {
+        DpllSolver fresh(&config);
+        while (fresh.num_vars() < s.num_vars()) {
+          fresh.new_var();
+        }
+        for (auto cl : clauses) {
+          fresh.add_clause_inplace(cl.first);
+        }
+        bool sat = s.solve();
+        ASSERT_EQ(sat, fresh.solve()) << "run " << run << " step " << step;
+        for (const auto& cl : clauses) {
+          if (sat) {
+            ASSERT_TRUE(
+                std::any_of(cl.first.begin(), cl.first.end(), [&s](Lit p) {
+                  return s.get_model_value(dpll::var(p))
+                         == lbool::from_bool(!dpll::sign(p));
+                }));
+          }
+        }
+      }
+    }
   }
 }
 
