@@ -10,6 +10,42 @@
 
 namespace zenlo {
 
+namespace {
+
+// The engine's clause sink with a memo from term id to engine variable.
+// DIMACS literals are plain constants, met many times each; the memo saves
+// the proxy table lookup and the problem-variable marking on every
+// occurrence after the first. Safe because this road never pops a
+// backtrack point, so a variable once made stays.
+class DimacsClauseSink final : public DpllClauseSink {
+ public:
+  DimacsClauseSink(TermManager* tm, DpllSolver* dpll)
+      : DpllClauseSink(tm, dpll, nullptr, false) {}
+
+  dpll::Var create_label(const Term_* t) override { return var_of(t); }
+
+  void add_literal(const Term_* t, bool negated) override {
+    ++d_literals;
+    d_buffer.push_back(dpll::mk_lit(var_of(t), negated));
+  }
+
+ private:
+  dpll::Var var_of(const Term_* t) {
+    uint64_t id = t->get_id();
+    if (id >= d_var.size()) {
+      d_var.resize(std::max<size_t>(id + 1, 2 * d_var.size()), dpll::var_Undef);
+    }
+    if (d_var[id] == dpll::var_Undef) {
+      d_var[id] = proxy(t);
+    }
+    return d_var[id];
+  }
+
+  std::vector<dpll::Var> d_var;
+};
+
+}  // namespace
+
 DimacsInterface::DimacsInterface(const Configuration& config, std::ostream& out)
     : d_config(config), d_out(out), d_logger(&out) {
   d_logger.set_line_prefix("c ");
@@ -36,7 +72,7 @@ int DimacsInterface::solve(std::istream& in,
                            uint64_t mem_limit_mb) {
   DimacsParser parser(&d_tm);
   {
-    DpllClauseSink sink(&d_tm, d_dpll.get(), nullptr, false);
+    DimacsClauseSink sink(&d_tm, d_dpll.get());
     parser.read(in, sink);
   }
   TimeMemLimitTest limits(timeout_sec, mem_limit_mb << 20);
