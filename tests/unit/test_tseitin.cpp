@@ -266,22 +266,26 @@ class DeepTseitinTest : public ::testing::Test {
 };
 
 TEST_F(DeepTseitinTest, AlternatingChainIsDefinedAndSolved) {
-  // x0 | (x1 & (x2 | (x3 & ...))), forced to hold through the deepest atom.
-  std::vector<const Term_*> x = make_atoms(tm, "x", kDepth + 1);
-  const Term_* f = x[kDepth];
+  // x0 | (x1 & (x2 | (x3 & ...))) over a cycle of atoms: no chain of one
+  // connective to flatten, so every level gets its own definition.
+  constexpr int kAtoms = 1000;
+  std::vector<const Term_*> x = make_atoms(tm, "x", kAtoms);
+  const Term_* f = x[kDepth % kAtoms];
   for (int i = kDepth - 1; i >= 0; --i) {
-    f = i % 2 == 0 ? tm.make_or(x[i], f) : tm.make_and(x[i], f);
+    const Term_* xi = x[i % kAtoms];
+    f = i % 2 == 0 ? tm.make_or(xi, f) : tm.make_and(xi, f);
   }
   gen(f);
   gen(tm.make_not(x[0]));
   gen(tm.make_not(x[2]));
   ASSERT_TRUE(dpll.solve());
-  auto value = [&](const Term_* t) {
-    return dpll.get_model_value(dpll.proxy_for_term(t)) == l_True;
-  };
-  EXPECT_TRUE(value(x[1]));
-  EXPECT_TRUE(value(x[3]));
-  EXPECT_EQ(sink.num_variables(), static_cast<uint32_t>(2 * kDepth + 1));
+  std::unordered_map<const Term_*, bool> val;
+  for (const Term_* a : x) {
+    val[a] = dpll.get_model_value(dpll.proxy_for_term(a)) == l_True;
+  }
+  EXPECT_TRUE(evaluate(tm, f, val));
+  EXPECT_FALSE(val[x[0]] || val[x[2]]);
+  EXPECT_EQ(sink.num_variables(), static_cast<uint32_t>(kDepth + kAtoms));
 }
 
 TEST_F(DeepTseitinTest, DeepNegationsAndClausesNeedNoLabels) {
