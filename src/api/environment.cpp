@@ -12,6 +12,7 @@
 #include "preprocess/dpllclausesink.h"
 #include "preprocess/polaritychecker.h"
 #include "preprocess/tseitincnfgenerator.h"
+#include "terms/stdtermsimplifier.h"
 
 namespace zenlo {
 
@@ -64,12 +65,11 @@ Environment::Environment(const Configuration& config)
   d_tm = new TermManager();
   d_owns_tm = true;
   d_config = config;
-  // The standard simplifier is installed here once it exists; until then
-  // the store builds terms as they are given, whatever
-  // `term_simplifications` says.
-  d_tm->set_forbid_bool_args(!d_config.allow_bool_function_args);
   configure_logger();
   try {
+    renew_simplifier();
+    d_tm->enable_simplifications(d_config.term_simplifications);
+    d_tm->set_forbid_bool_args(!d_config.allow_bool_function_args);
     init();
   } catch (...) {
     do_reset();
@@ -112,6 +112,18 @@ void Environment::destroy_owned_store() {
     d_simplifier = nullptr;
     d_tm = nullptr;
   }
+}
+
+void Environment::renew_simplifier() {
+  if (!d_owns_tm) {
+    return;  // the owner of the store keeps its simplifier
+  }
+  std::unique_ptr<StdTermSimplifier> fresh =
+      std::make_unique<StdTermSimplifier>(d_tm);
+  fresh->set_logger(&d_logger);
+  d_tm->set_simplifier(fresh.get());
+  delete d_simplifier;
+  d_simplifier = fresh.release();
 }
 
 void Environment::configure_logger() {
