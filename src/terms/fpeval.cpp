@@ -160,8 +160,13 @@ IEEEFloat fp_sqrt_positive(RoundingMode mode, const IEEEFloat& a) {
     mpz_add_ui(s, s, 1);
     ++k;
   }
+  // The root is s / 2^k, with k of either sign.
   mpz_set_ui(one, 1);
-  mpz_mul_2exp(one, one, static_cast<mp_bitcnt_t>(k));
+  if (k >= 0) {
+    mpz_mul_2exp(one, one, static_cast<mp_bitcnt_t>(k));
+  } else {
+    mpz_mul_2exp(s, s, static_cast<mp_bitcnt_t>(-k));
+  }
   return IEEEFloat(f, QNumber(s, one), mode);
 }
 
