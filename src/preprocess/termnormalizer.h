@@ -124,6 +124,8 @@ class TermNormalizer {
   // garbage, since the memo keys by pointer.
   void clear_cache() { d_memo.clear(); }
 
+  size_t cache_size() const { return d_memo.size(); }
+
   size_t num_rules() const { return d_rules.size(); }
 
  private:

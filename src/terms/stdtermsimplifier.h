@@ -13,8 +13,8 @@
 //
 // The tables are filled once, by termsimpl::register_standard_
 // simplifications at construction, and never change. The normalizer's
-// memo keys by term pointer: after the store collects garbage, a new
-// simplifier (or clear_cache) is needed.
+// memo keys by term pointer; the store clears it when it collects
+// garbage.
 #ifndef ZENLO_TERMS_STDTERMSIMPLIFIER_H
 #define ZENLO_TERMS_STDTERMSIMPLIFIER_H
 
@@ -76,7 +76,7 @@ class StdTermSimplifier : public TermSimplifier {
   TermNormalizer& get_normalizer() { return d_normalizer; }
 
   // Forgets the normalizer's memo (see the header comment).
-  void clear_cache() { d_normalizer.clear_cache(); }
+  void clear_cache() override { d_normalizer.clear_cache(); }
 
  private:
   TermManager* d_tm;

@@ -263,6 +263,18 @@ TEST_F(SimplifierTest, ZeroWideExtensionMayEqualAllOnes) {
   EXPECT_EQ(tm.make_equal(tm.make_bv_zext(1, x), bvn(15, 4)), tm.make_false());
 }
 
+// Dead terms' pointers and ids are reused after a collection, so the
+// normalizer's memo must not survive it.
+TEST_F(SimplifierTest, CollectionClearsTheMemo) {
+  const Term_* x = v("x", tm.get_bv_type(4));
+  const Term_* t = tm.make_bv_and(x, bvn(3, 4));
+  EXPECT_EQ(t->get_child(0), bvn(3, 4));
+  EXPECT_GT(s.simp.get_normalizer().cache_size(), 0u);
+  tm.gc({t}, {}, {});
+  EXPECT_EQ(s.simp.get_normalizer().cache_size(), 0u);
+  EXPECT_EQ(tm.make_bv_and(x, bvn(3, 4)), t);
+}
+
 TEST_F(SimplifierTest, RegistersEveryRuleOnceAndRefusesASecondFunction) {
   EXPECT_EQ(s.simp.get_normalizer().num_rules(), 111u);
   try {
