@@ -241,13 +241,16 @@ TEST_F(SimplifierTest, BitVectorIdentities) {
             SymbolTag::BV_UDIV);
   EXPECT_EQ(tm.get_tag(tm.make_bv_srem(bvn(5, 4), bvn(0, 4))->get_symbol()),
             SymbolTag::BV_SREM);
-  for (auto op : {&TermManager::make_bv_and,
-                  &TermManager::make_bv_or,
-                  &TermManager::make_bv_xor,
-                  &TermManager::make_bv_add,
-                  &TermManager::make_bv_mul}) {
-    EXPECT_EQ((tm.*op)(x, y), (tm.*op)(y, x));
-    EXPECT_EQ((tm.*op)(x, bvn(3, 4)), (tm.*op)(bvn(3, 4), x));
+  using Op = std::function<const Term_*(const Term_*, const Term_*)>;
+  const Op ops[] = {
+      [&](const Term_* a, const Term_* c) { return tm.make_bv_and(a, c); },
+      [&](const Term_* a, const Term_* c) { return tm.make_bv_or(a, c); },
+      [&](const Term_* a, const Term_* c) { return tm.make_bv_xor(a, c); },
+      [&](const Term_* a, const Term_* c) { return tm.make_bv_add(a, c); },
+      [&](const Term_* a, const Term_* c) { return tm.make_bv_mul(a, c); }};
+  for (const Op& op : ops) {
+    EXPECT_EQ(op(x, y), op(y, x));
+    EXPECT_EQ(op(x, bvn(3, 4)), op(bvn(3, 4), x));
   }
 }
 
@@ -351,7 +354,9 @@ class RuleTest : public SimplifierTest {
     };
     // The bitwise families share their shapes.
     using TM = TermManager;
-    for (auto op : {&TM::make_bv_and, &TM::make_bv_or, &TM::make_bv_xor}) {
+    const decltype(&TM::make_bv_and) bitwise[] = {
+        &TM::make_bv_and, &TM::make_bv_or, &TM::make_bv_xor};
+    for (auto op : bitwise) {
       for (Build b :
            std::vector<Build>{[=] { return (m->*op)(x, n3(3)); },
                               [=] { return (m->*op)(y, x); },
