@@ -38,7 +38,10 @@ void Configuration::Dpll::copy_to(Dpll& other) const {
   other.agility_decay = agility_decay;
   other.agility_limit = agility_limit;
   other.agility_restart_limit = agility_restart_limit;
-  other.luby_unit_factor = luby_unit_factor;
+  other.theory_clause_weight = theory_clause_weight;
+  other.reduce_fraction = reduce_fraction;
+  other.learnt_minimization = learnt_minimization;
+  other.remove_satisfied = remove_satisfied;
   other.parent = parent_keep;
   other.preprocessor.parent =
       pre_parent_keep != nullptr ? pre_parent_keep : &other;

@@ -72,7 +72,10 @@ struct Configuration {
     double agility_decay = 0.9999;
     double agility_limit = 0.2;
     double agility_restart_limit = 0.15;
-    double luby_unit_factor = 1.6;
+    double theory_clause_weight = 1.6;  // score factor in learnt reduction
+    double reduce_fraction = 0.5;       // share of learnts judged by score
+    bool learnt_minimization = true;    // recursive minimisation
+    bool remove_satisfied = true;       // of problem clauses, in simplify
 
     Dpll() { preprocessor.parent = this; }
 

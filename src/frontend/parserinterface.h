@@ -1,11 +1,11 @@
-// The base of every reader of whole inputs (SMT-LIB 2 scripts, and later
-// DIMACS and SMT-LIB 1): something that turns a stream into one formula.
-// The command-line driver and the C interface hold readers through it and
-// know nothing of their syntax.
+// The base of every reader that turns a whole input into one formula: the
+// command-line front ends ask it for the formula, and for the logic and
+// the expected status that the input declares, without knowing the
+// language.
 //
-// A reader's failures are ParserInterface::error. The SMT-LIB 2 reader
-// gives them a message that already ends with " (line: N)", and keeps the
-// line number beside it for callers that want it separately.
+// A reader's failures are ParserInterface::error. Readers that know where
+// they are in the input (the SMT-LIB 2 reader) end the message with
+// " (line: N)" and keep the line beside it.
 #ifndef ZENLO_FRONTEND_PARSERINTERFACE_H
 #define ZENLO_FRONTEND_PARSERINTERFACE_H
 
@@ -14,9 +14,10 @@
 #include <utility>
 
 #include "api/exception.h"
-#include "terms/term.h"
 
 namespace zenlo {
+
+class Term_;
 
 class ParserInterface {
  public:
@@ -25,24 +26,25 @@ class ParserInterface {
 
     error(std::string msg, int line) : Exception(std::move(msg)), line(line) {}
 
-    // The input line the message refers to, 0 while not known; a nonzero
-    // line means the message already names it.
+    // The input line the message names, 0 when it names none.
     int line = 0;
   };
+
+  // The expected answer that the input declares.
+  enum class Status { Unknown = 0, Unsat = 1, Sat = 2 };
 
   virtual ~ParserInterface() = default;
 
   // Reads the whole input.
-  // - Returns: the conjunction of what it asserts, `true` for nothing.
-  // - Throws: error on bad input.
+  // - Returns: the conjunction of the input's assertions; for an input
+  //   that asserts nothing, null or `true` (the SMT-LIB 2 reader).
+  // - Throws: error for text that is not in the language.
   virtual const Term_* parse(std::istream& in) = 0;
 
-  // The logic named by the input, empty when none.
-  virtual const std::string& get_logic() const = 0;
+  // Returns: the logic that the input names, empty for none.
+  virtual std::string get_logic() const { return std::string(); }
 
-  // The expected status the input declares ("sat", "unsat", "unknown"),
-  // empty when none.
-  virtual const std::string& get_status() const = 0;
+  virtual Status get_status() const { return Status::Unknown; }
 };
 
 }  // namespace zenlo

@@ -312,8 +312,8 @@ class SmtLib2AbstractParser {
   virtual void reset();
 
   virtual const Term_* parse(std::istream& in) = 0;
-  virtual const std::string& get_logic() const = 0;
-  virtual const std::string& get_status() const = 0;
+  virtual std::string get_logic() const = 0;
+  virtual ParserInterface::Status get_status() const = 0;
 
  protected:
   // The reader's own throw: handle_error, then an error in case it

@@ -56,6 +56,13 @@ const Term_* SmtLib2Parser::parse_term(std::istream& in) {
   return parse_single_term(scanner);
 }
 
+ParserInterface::Status SmtLib2Parser::get_status() const {
+  if (d_status == "sat") {
+    return Status::Sat;
+  }
+  return d_status == "unsat" ? Status::Unsat : Status::Unknown;
+}
+
 const AttributeList* SmtLib2Parser::get_annotations(const Term_* t) const {
   return d_annotations.get(t);
 }

@@ -40,9 +40,10 @@ class SmtLib2Parser : public SmtLib2AbstractParser, public ParserInterface {
   // Reads one term written over the symbols already declared.
   const Term_* parse_term(std::istream& in);
 
-  const std::string& get_logic() const override { return d_logic; }
+  std::string get_logic() const override { return d_logic; }
 
-  const std::string& get_status() const override { return d_status; }
+  // From (set-info :status ...): sat, unsat, anything else unknown.
+  Status get_status() const override;
 
   // The :named terms, in the order of the script.
   const std::vector<NamedTerm>& get_named_terms() const { return d_named; }

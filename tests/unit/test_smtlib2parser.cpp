@@ -630,7 +630,7 @@ TEST_F(SmtLib2ParserTest, LibraryClientCollectsAndRefuses) {
                                     tm.make_not(tm.make_leq(x, num(0)))),
                         tm.make_not(tm.make_leq(num(0), x))));
   EXPECT_EQ(p.get_logic(), "QF_LIA");
-  EXPECT_EQ(p.get_status(), "unsat");
+  EXPECT_EQ(p.get_status(), ParserInterface::Status::Unsat);
   auto read = [&](const std::string& text) {
     return error_of([&] {
       SmtLib2Parser q(&tm);
