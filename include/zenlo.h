@@ -731,6 +731,80 @@ ZENLO_API extern int zenlo_sexp_parser_debug;
 ZENLO_API int zenlo_assert_formula(zenlo_env e, zenlo_term formula);
 ZENLO_API int zenlo_solve(zenlo_env e);
 
+/* Backtrack points. A pop drops every formula asserted since the matching
+ * push; a push and pop with no check in between cost the solver nothing.
+ * zenlo_num_backtrack_points answers the number of open points, or -1. */
+ZENLO_API int zenlo_push_backtrack_point(zenlo_env e);
+ZENLO_API int zenlo_pop_backtrack_point(zenlo_env e);
+ZENLO_API int zenlo_num_backtrack_points(zenlo_env e);
+
+/* Solves under `n` assumptions, each a Boolean atom or its negation (an atom
+ * never used before is allowed). Returns ZENLO_SAT, ZENLO_UNSAT or -1. */
+ZENLO_API int zenlo_solve_with_assumptions(zenlo_env e,
+                                           zenlo_term* assumptions,
+                                           size_t n);
+/* After zenlo_solve_with_assumptions answered ZENLO_UNSAT: the assumptions,
+ * as they were passed, that together with the assertions are unsat (none
+ * when the assertions alone are). An array of *size terms, released with
+ * zenlo_free; NULL on failure. */
+ZENLO_API zenlo_term* zenlo_get_unsat_assumptions(zenlo_env e, size_t* size);
+
+/* The engine decides `atom`, a Boolean constant, first, with the polarity
+ * `value` (ZENLO_TRUE, ZENLO_FALSE, or anything else for none). */
+ZENLO_API int zenlo_add_preferred_for_branching(zenlo_env e,
+                                                zenlo_term atom,
+                                                int value);
+ZENLO_API int zenlo_clear_preferred_for_branching(zenlo_env e);
+
+/* The formulas on the assertion stack, as asserted, in order: an array of
+ * *size terms released with zenlo_free; NULL on failure. */
+ZENLO_API zenlo_term* zenlo_get_asserted_formulas(zenlo_env e, size_t* size);
+/* The theory lemmas the engine kept (option dpll.store_tlemmas), each as a
+ * disjunction; released with zenlo_free. */
+ZENLO_API zenlo_term* zenlo_get_theory_lemmas(zenlo_env e, size_t* size);
+/* The search statistics, one "key value" per line; released with
+ * zenlo_free. NULL on failure. */
+ZENLO_API char* zenlo_get_search_stats(zenlo_env e);
+
+/* Called once per model found by zenlo_solve_diversify, with an iterator
+ * over the model (valid during the call only); a zero answer stops. */
+typedef int (*zenlo_model_found_callback)(zenlo_model_iterator it,
+                                          void* user_data);
+/* Enumerates models that differ in the values of `diversifiers` (Boolean
+ * atoms and numeric terms), asserting a blocking clause after each; needs
+ * model generation. Returns the number of models, or -1. */
+ZENLO_API int zenlo_solve_diversify(zenlo_env e,
+                                    zenlo_term* diversifiers,
+                                    size_t n,
+                                    zenlo_model_found_callback callback,
+                                    void* user_data);
+
+/* ------------------------------------------------------------------------
+ * Models
+ *
+ * After a ZENLO_SAT answer with the option model_generation (or, for the
+ * Boolean atoms only, bool_model_generation), the values of any ground term
+ * over the asserted symbols. Values of uninterpreted sorts are abstract
+ * constants "@N.S". A zenlo_model stays usable after later checks, until
+ * zenlo_destroy_model, a zenlo_gc_env, or the destruction of the
+ * environment, which must come last.
+ * ---------------------------------------------------------------------- */
+
+ZENLO_API zenlo_term zenlo_get_model_value(zenlo_env e, zenlo_term t);
+ZENLO_API zenlo_model_iterator zenlo_create_model_iterator(zenlo_env e);
+ZENLO_API int zenlo_model_iterator_has_next(zenlo_model_iterator it);
+/* Stores the next (term, value) pair and advances: 0, or -1 at the end. */
+ZENLO_API int zenlo_model_iterator_next(zenlo_model_iterator it,
+                                        zenlo_term* term,
+                                        zenlo_term* value);
+ZENLO_API void zenlo_destroy_model_iterator(zenlo_model_iterator it);
+
+ZENLO_API zenlo_model zenlo_get_model(zenlo_env e);
+ZENLO_API void zenlo_destroy_model(zenlo_model m);
+/* The value of `t` in `m`; the error term on failure, with no message. */
+ZENLO_API zenlo_term zenlo_model_eval(zenlo_model m, zenlo_term t);
+ZENLO_API zenlo_model_iterator zenlo_model_create_iterator(zenlo_model m);
+
 /* ------------------------------------------------------------------------
  * Command line
  * ---------------------------------------------------------------------- */

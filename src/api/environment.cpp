@@ -11,7 +11,9 @@
 #include "preprocess/cnfgenerator.h"
 #include "preprocess/constraintencoder.h"
 #include "preprocess/dpllclausesink.h"
+#include "preprocess/modelstore.h"
 #include "preprocess/polaritychecker.h"
+#include "preprocess/rewritestack.h"
 #include "preprocess/tseitincnfgenerator.h"
 #include "terms/stdtermsimplifier.h"
 
@@ -161,8 +163,9 @@ void Environment::init() {
   // here and given to the engine (set_theory_manager) and the logger.
   d_dpll->set_logger(&d_logger, d_config.verbosity > 2 ? "DPLL" : "");
 
-  // The rewrite stack, the top-level propagator, the term normalizer and
-  // the free-input coder are created here, each when its option asks.
+  d_rewrite_stack = std::make_unique<RewriteStack>();
+  // The top-level propagator, the term normalizer and the free-input coder
+  // are created here, each when its option asks.
 
   make_constraint_encoder();
 
@@ -209,13 +212,16 @@ void Environment::make_constraint_encoder() {
 }
 
 void Environment::do_reset() {
+  // The model first: a handle held elsewhere still reads the engine, the
+  // theories and the polarity checker while it detaches.
+  reset_model();
   // Reverse dependency order: the generator feeds the sink, the sink the
   // engine, and the sink asks the polarity checker.
   d_cnf.reset();
   d_clause_sink.reset();
   d_polarity.reset();
   d_encoder.reset();
-  reset_model();
+  d_rewrite_stack.reset();
   d_dpll.reset();
   d_stack.clear();
   d_labels.clear();
@@ -229,11 +235,13 @@ void Environment::reset_assertions() {
 }
 
 void Environment::reset_after_interrupted() {
+  // Shallow labels are not kept: the null entries of the stack make new
+  // ones as it is processed again, under numbers never used before.
   std::vector<const Term_*> stack = std::move(d_stack);
-  std::vector<const Term_*> labels = std::move(d_labels);
+  uint32_t next_label = d_next_label;
   reset_assertions();
   d_stack = std::move(stack);
-  d_labels = std::move(labels);
+  d_next_label = next_label;
 }
 
 void Environment::set_termination_test(TerminationTest* test) {

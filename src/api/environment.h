@@ -37,6 +37,7 @@
 #include "api/configuration.h"
 #include "api/exception.h"
 #include "api/logger.h"
+#include "dpll/dplltypes.h"
 #include "terms/term.h"
 #include "terms/termmanager.h"
 
@@ -44,12 +45,30 @@ namespace zenlo {
 
 class CNFGenerator;
 class ConstraintEncoder;
+class ModelStore;
+class RewriteStack;
 class DpllClauseSink;
 class DpllSolver;
 class PolarityChecker;
 class StdTermSimplifier;
 class TerminationTest;
 class TheoryManager;
+
+// Called once per model by Environment::diversify, with the pairs of the
+// model (ModelStore iteration order).
+class ModelFoundHook {
+ public:
+  using Assignment = std::pair<const Term_*, const Term_*>;
+
+  virtual ~ModelFoundHook() = default;
+
+  // Returns: false to stop the enumeration.
+  virtual bool operator()(const Assignment* begin, const Assignment* end) {
+    (void)begin;
+    (void)end;
+    return true;
+  }
+};
 
 class Environment {
  public:
@@ -104,8 +123,9 @@ class Environment {
   // assertion stack.
   virtual void do_reset();
 
-  // Drops the current model. There is no model store yet: nothing to do.
-  virtual void reset_model() {}
+  // Drops the environment's reference to the current model; a model
+  // handle held elsewhere is first made independent of the engine.
+  virtual void reset_model();
 
   // Rebuilds the solver state from the assertion stack after a check that
   // did not finish.
@@ -121,36 +141,113 @@ class Environment {
 
   TerminationTest* get_termination_test() const { return d_termination; }
 
-  // ---- Backtrack points, assumptions and models ---------------------------
-  // These services are being filled in; until then each throws error
-  // "... is not supported yet".
+  // ---- Backtrack points ----------------------------------------------------
 
   // Opens a backtrack point on the assertion stack; the engine sees it at
-  // the next check.
+  // the next check, so a push and pop around no check cost the engine
+  // nothing.
   virtual void push_backtrack_point();
 
-  // Drops every assertion made since the matching push.
+  // Drops every assertion made since the matching push. Entries that never
+  // reached the engine are simply cut off the stack; only a pop into the
+  // processed part takes back the engine, the CNF marks and the
+  // preprocessing steps.
   // - Throws: error "no backtrack points to pop" when none is open.
   virtual void pop_backtrack_point();
 
+  // ---- Assumptions ---------------------------------------------------------
+
   // Decides the assertion stack under `assumptions`, each an atom or the
-  // negation of one.
+  // negation of one; an atom never seen before is legal. A failure under
+  // assumptions says nothing about the stack alone: the unsat mark is
+  // left as it was.
   // - Returns: 1 sat, 0 unsat, -1 unknown.
-  // - Throws: error "assumptions can only be literals".
+  // - Throws: error "assumptions can only be literals" for a connective,
+  //   `true`, `false` or a non-Boolean term; the stack is then unchanged
+  //   and the environment usable.
   int check_with_assumptions(const std::vector<const Term_*>& assumptions);
 
   // Returns: after an unsat check_with_assumptions, the assumptions (as
-  // they were passed) that take part in the conflict.
+  //   they were passed) that take part in the conflict; empty when the
+  //   stack alone is unsatisfiable or the last check was not such a check.
   std::vector<const Term_*> get_unsat_assumptions();
 
-  // Returns: the value of `t` in the model of the last sat check.
-  // - Throws: error "model generation not enabled" when there is no model.
+  // ---- Branching -----------------------------------------------------------
+
+  // Asks the engine to decide `atom` first, with `value` (1 true, 0 false,
+  // else no preferred polarity).
+  // - Throws: error "only Boolean constants can be set as preferred for
+  //   branching".
+  void add_preferred_for_branching(const Term_* atom, int value);
+
+  // Empties the engine's preferred list; stored polarities stay.
+  void clear_preferred_for_branching();
+
+  // ---- Models --------------------------------------------------------------
+
+  // Returns: the value of `t` in the model of the last sat check, for any
+  //   ground term over the model's symbols.
+  // - Throws: error "model generation not enabled" when there is no model
+  //   (no sat answer since the last change, or model generation off);
+  //   ModelStore::error when the model cannot be rebuilt.
   const Term_* get_model_value(const Term_* t);
 
   // Returns: the pairs (term, value) of the model of the last sat check:
-  // the user's constants and the applications of its functions.
+  //   the user's constants, and the applications of its functions with
+  //   their arguments replaced by values, sorted by symbol then id.
   // - Throws: as get_model_value.
   std::vector<std::pair<const Term_*, const Term_*>> get_model_assignments();
+
+  // Returns: the current model with one more reference, which the caller
+  //   drops with ModelStore::release; it stays valid after later checks
+  //   (but not after a collection of the term store, nor after this
+  //   environment is destroyed).
+  // - Throws: error "no model available" (with `handle` false, for an
+  //   iteration: "model generation not enabled").
+  ModelStore* get_model(bool handle = true);
+
+  // Returns: whether a model of the last check exists.
+  bool has_model() const { return d_model != nullptr; }
+
+  // Calls `hook` once per model of the assertions, blocking each found
+  // model on the values of `diversifiers` (Boolean atoms and numeric
+  // terms) by a clause asserted on the stack, until the hook answers false
+  // or no model is left.
+  // - Returns: the number of models found.
+  // - Throws: error "diversification is not compatible with proof
+  //   generation", "model generation must be enabled for diversification",
+  //   "bad model value for diversifier: " + value.
+  size_t diversify(ModelFoundHook& hook, const TermList& diversifiers);
+
+  // ---- Inspection ----------------------------------------------------------
+
+  // Returns: the formulas of the stack, as asserted, in stack order.
+  TermList get_asserted_formulas() const;
+
+  // Returns: the theory lemmas the engine stored (dpll.store_tlemmas), each
+  //   as the `or` of the terms of its literals; literals without a term
+  //   are left out, so a lemma with none is `false`.
+  TermList get_theory_lemmas();
+
+  // ---- Garbage collection --------------------------------------------------
+
+  // Adds to the keep lists of a collection; a derived environment (or an
+  // interpreter) keeps its own roots alive this way.
+  class gc_hook {
+   public:
+    virtual ~gc_hook() = default;
+
+    virtual void operator()(TermList& terms,
+                            std::vector<const Symbol*>& symbols,
+                            std::vector<const Type*>& types);
+  };
+
+  // Rebuilds the solver from the assertion stack and, when this
+  // environment owns its term store, collects every term that is neither
+  // in `keep`, nor asserted, nor kept by `hook` (may be null).
+  // - After: all formulas stay asserted; terms of `keep` stay valid, other
+  //   terms and models may not; learnt clauses are gone.
+  void gc(const TermList& keep, gc_hook* hook);
 
   // ---- State -------------------------------------------------------------
 
@@ -233,7 +330,16 @@ class Environment {
   // Opens a backtrack point in every part that keeps one.
   void do_push_backtrack_point();
 
+  // Takes back the topmost backtrack point that reached the engine, in
+  // every part that keeps one.
+  // - Throws: error "no backtrack points to pop".
+  void do_pop_backtrack_point();
+
   int do_check();
+
+  // After a sat answer of the engine: the model store, when models are
+  // asked for.
+  void make_model_store();
 
  private:
   void configure_logger();
@@ -242,6 +348,26 @@ class Environment {
   void record_unsat_mark();
   void log_step(int level, const char* what);
   void destroy_owned_store();
+  void check_theory_atoms() const;
+
+  // Shallow incrementality: labels instead of engine backtrack points.
+  void do_push_shallow_backtrack_point();
+  void do_pop_shallow_backtrack_point();
+  dpll::Var label_var(const Term_* label);
+  void shallow_assumptions(std::vector<dpll::Lit>& out);
+
+  // Assumptions.
+  int do_check_with_assumptions(const TermList& assumptions);
+  void check_assumption(const Term_* a) const;
+  dpll::Lit assumption_lit(const Term_* a, TermList& side_constraints);
+  void collect_unsat_assumptions(const std::vector<dpll::Lit>& lits,
+                                 size_t first_user);
+  const Term_* conjunction(const TermList& terms);
+
+  // Models.
+  ModelStore& current_model(const char* what);
+  void add_model_formulas(ModelStore& m);
+  const Term_* blocking_clause(ModelStore& model, const TermList& diversifiers);
 
   // 1. Configuration copy, output stream, logger.
   Configuration d_config;
@@ -274,15 +400,19 @@ class Environment {
   // 7. The termination test installed by the caller, or null.
   TerminationTest* d_termination = nullptr;
 
-  // 8. The pipeline. (The rewrite stack, top-level propagator, term
-  //    normalizer and free-input coder come first once they exist; the
-  //    NNF generator after the CNF generator.)
+  // 8. The pipeline: the rewrite stack, then (the top-level propagator,
+  //    term normalizer and free-input coder come here once they exist) the
+  //    encoder, polarity checker, clause sink and CNF generator (the NNF
+  //    generator after it).
+  std::unique_ptr<RewriteStack> d_rewrite_stack;
   std::unique_ptr<ConstraintEncoder> d_encoder;
   std::unique_ptr<PolarityChecker> d_polarity;
   std::unique_ptr<DpllClauseSink> d_clause_sink;
   std::unique_ptr<CNFGenerator> d_cnf;
 
-  // 9. (The model store and the unsat core store slot in here.)
+  // 9. The model of the last sat check (reference counted, null when there
+  //    is none). (The unsat core store slots in here.)
+  ModelStore* d_model = nullptr;
 
   // 10. The assertion stack (null: a backtrack point) and how many of its
   //     entries have reached the engine.
@@ -300,7 +430,10 @@ class Environment {
   // 14. The last result: -1 unknown, 0 unsat, 1 sat.
   int32_t d_last_result = -1;
 
-  // 15. (The cached unsat-core result slots in here.)
+  // 15. The assumptions of the last check that took part in its conflict,
+  //     taken from the engine when the check ended (a later pop may delete
+  //     their variables). (The cached unsat-core result joins it.)
+  TermList d_unsat_assumptions;
 
   // 16. Set when a check ended early; the next check rebuilds.
   bool d_interrupted = false;

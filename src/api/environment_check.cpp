@@ -4,37 +4,15 @@
 
 #include "api/environment.h"
 #include "api/terminationtest.h"
+#include "api/typecheckscope.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/cnfgenerator.h"
 #include "preprocess/constraintencoder.h"
 #include "preprocess/dpllclausesink.h"
+#include "preprocess/modelstore.h"
 #include "preprocess/polaritychecker.h"
 
 namespace zenlo {
-
-namespace {
-
-// Type checks are off for the length of a check: every term the pipeline
-// builds comes from terms already checked, and the checks would cost a
-// lookup per constructed node. The old value comes back on every exit.
-class TypecheckOff {
- public:
-  explicit TypecheckOff(TermManager& tm)
-      : d_tm(tm), d_old(tm.typechecking_enabled()) {
-    tm.enable_typechecking(false);
-  }
-
-  ~TypecheckOff() { d_tm.enable_typechecking(d_old); }
-
-  TypecheckOff(const TypecheckOff&) = delete;
-  TypecheckOff& operator=(const TypecheckOff&) = delete;
-
- private:
-  TermManager& d_tm;
-  bool d_old;
-};
-
-}  // namespace
 
 // ---------------------------------------------------------------------------
 // Asserting
@@ -86,16 +64,6 @@ void Environment::flush_pending(const Term_*& pending) {
   }
 }
 
-void Environment::do_push_backtrack_point() {
-  log_step(2, "push");
-  // (Shallow incrementality pushes a label instead. The rewrite stack,
-  // top-level propagator and free-input coder push first.)
-  d_polarity->push_backtrack_point();
-  d_cnf->push_backtrack_point();
-  d_dpll->push_backtrack_point();
-  // (The interpolation classifier and the unsat core store push here.)
-}
-
 void Environment::do_assert_formula(const Term_* f, bool encode) {
   if (d_encoder == nullptr) {
     make_constraint_encoder();
@@ -104,7 +72,12 @@ void Environment::do_assert_formula(const Term_* f, bool encode) {
   if (d_unsat_mark >= 0) {
     return;  // recorded on the stack; nothing can change the answer
   }
-  // (Shallow labels weaken `f`, and the NNF generator rewrites it, here.)
+  if (d_config.shallow_incrementality && !d_labels.empty()) {
+    // The formula holds only while its level is open: its label, assumed
+    // false by every check, becomes true for good at the pop.
+    f = d_tm->make_or(d_labels.back(), f);
+  }
+  // (The NNF generator rewrites `f` here.)
   log_step(1, "preprocessing...");
   // (Free-input coding, top-level propagation and normalization run
   // here, in this order.)
@@ -165,30 +138,36 @@ int Environment::do_check() {
   if (d_interrupted) {
     reset_after_interrupted();
   }
-  do_assert_stack();
   reset_model();
+  do_assert_stack();
   d_last_result = -1;
+  d_unsat_assumptions.clear();
   if (d_unsat_mark >= 0) {
     d_last_result = 0;
     return 0;
   }
   log_step(1, "searching...");
-  // Under shallow incrementality the negations of the open labels, and the
-  // unsat core store's assumptions, are added here.
+  // Under shallow incrementality the negations of the open labels switch
+  // their levels on. (The unsat core store's assumptions join them.)
   std::vector<dpll::Lit> assumptions;
+  shallow_assumptions(assumptions);
   if (d_dpll->solve(assumptions)) {
-    if (d_theory_manager == nullptr && d_clause_sink->num_theory_atoms() > 0) {
-      // The engine has treated theory atoms as free Boolean variables: a
-      // model of the abstraction says nothing about the formula.
-      throw error("no theory solver is available for the atoms of the formula");
-    }
+    check_theory_atoms();
     d_last_result = 1;
-    // (The model store is created here when model generation is on.)
+    make_model_store();
   } else {
     d_last_result = 0;
     record_unsat_mark();
   }
   return d_last_result;
+}
+
+void Environment::check_theory_atoms() const {
+  if (d_theory_manager == nullptr && d_clause_sink->num_theory_atoms() > 0) {
+    // The engine has treated theory atoms as free Boolean variables: a
+    // model of the abstraction says nothing about the formula.
+    throw error("no theory solver is available for the atoms of the formula");
+  }
 }
 
 }  // namespace zenlo
