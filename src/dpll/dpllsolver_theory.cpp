@@ -181,12 +181,14 @@ DpllSolver::Clause* DpllSolver::get_theory_conflict() {
   return make_theory_conflict(d_theory_lits);
 }
 
+// The scratch vector is free here: a conflict's literals have become a
+// clause before analysis asks for reasons.
 DpllSolver::Clause* DpllSolver::get_theory_reason(Lit p, bool force) {
-  std::vector<Lit> lits;
-  if (!theory_explanation(p, force, lits)) {
+  d_theory_lits.clear();
+  if (!theory_explanation(p, force, d_theory_lits)) {
     return nullptr;
   }
-  return make_theory_reason(p, lits);
+  return make_theory_reason(p, d_theory_lits);
 }
 
 // The guard ties a theory clause to the youngest backtrack point that is

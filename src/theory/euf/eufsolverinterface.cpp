@@ -169,11 +169,10 @@ void EufSolverInterface::get_conflict(std::vector<TheoryLit>& out) {
     enqueue_dyn_ack_lemmas();
   }
   if (!d_teqs.empty()) {
-    d_scratch.assign(out.begin() + start, out.end());
+    d_reasons.assign(out.begin() + start, out.end());
     out.resize(start);
-    std::vector<TheoryLit> lits(d_scratch);
-    expand_reasons(lits);
-    out.insert(out.end(), lits.begin(), lits.end());
+    expand_reasons(d_reasons);
+    out.insert(out.end(), d_reasons.begin(), d_reasons.end());
   }
 }
 
@@ -194,10 +193,14 @@ bool EufSolverInterface::get_explanation(TheoryLit lit,
   if (!force) {
     return false;
   }
-  std::vector<TheoryLit> lits;
-  d_solver.get_implied_reason(lit, lits);
-  expand_reasons(lits);
-  out.insert(out.end(), lits.begin(), lits.end());
+  size_t start = out.size();
+  d_solver.get_implied_reason(lit, out);
+  if (!d_teqs.empty()) {
+    d_reasons.assign(out.begin() + start, out.end());
+    out.resize(start);
+    expand_reasons(d_reasons);
+    out.insert(out.end(), d_reasons.begin(), d_reasons.end());
+  }
   return true;
 }
 

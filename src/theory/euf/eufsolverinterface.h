@@ -172,6 +172,8 @@ class EufSolverInterface : public TheorySolver {
   // Clauses made from the queue; a Bool-valued function gives two.
   std::deque<ReadyLemma> d_ready;
 
+  // Scratch of explanations, reused: reasons, and those of one TheoryEq.
+  std::vector<TheoryLit> d_reasons;
   std::vector<TheoryLit> d_scratch;
 
   struct Counters {
