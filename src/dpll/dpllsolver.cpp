@@ -510,15 +510,6 @@ bool DpllSolver::locked(const Clause* c) const {
   return is_reason_of((*c)[0]) || (c->size() == 2 && is_reason_of((*c)[1]));
 }
 
-bool DpllSolver::satisfied(const Clause* c) const {
-  for (Lit p : *c) {
-    if (is_true(p)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // ---------------------------------------------------------------------------
 // Statistics and logging
 // ---------------------------------------------------------------------------

@@ -348,7 +348,6 @@ class DpllSolver {
   void detach(Clause* c);
   void detach_batch(std::vector<Clause*>& doomed);
   bool locked(const Clause* c) const;
-  bool satisfied(const Clause* c) const;
   bool do_add_clause(std::vector<Lit>& lits, Clause** out, bool simplify);
   bool add_long_clause(std::vector<Lit>& lits, Clause** out, bool strip);
   void add_clause_in_search(std::vector<Lit>& lits, bool theory);
@@ -464,6 +463,12 @@ class DpllSolver {
                                     Var v,
                                     int min_id);
   void pop_young_vars(Var bvar);
+  void take_trail_from(int from,
+                       Var bv,
+                       std::vector<std::pair<Lit, Clause*>>& saved);
+  void restore_trail(int from,
+                     const std::vector<std::pair<Lit, Clause*>>& saved);
+  void drop_stored_lemmas(Lit guard, size_t from);
   void undo_decision_deps();
 
   // ---- Logging -----------------------------------------------------------

@@ -1,6 +1,7 @@
 // Backtrack points: guard variables held true at their own levels, and the
 // removal of everything that carries a guard.
 #include <algorithm>
+#include <string>
 
 #include "dpll/dpllsolver.h"
 
@@ -66,7 +67,7 @@ void DpllSolver::pop_backtrack_point() {
 
   // When the point's literal was refuted at level 0, the entries above it
   // on the trail may rest on clauses that are about to go: take them off
-  // and put back those whose reasons survive.
+  // now and put back later those whose reasons survive.
   std::vector<std::pair<Lit, Clause*>> saved;
   int repair_from = -1;
   if (is_false(b)) {
@@ -74,28 +75,7 @@ void DpllSolver::pop_backtrack_point() {
     cancel_until(std::max(lv - 1, 0));
     if (lv == 0) {
       repair_from = d_vardata[bv].trail_pos;
-      for (size_t i = repair_from + 1; i < d_trail.size(); ++i) {
-        Var x = var(d_trail[i]);
-        Clause* r = d_vardata[x].reason;
-        bool doomed = x >= bv
-                      || (r != nullptr && r != d_placeholder
-                          && std::any_of(r->begin(), r->end(), [bv](Lit q) {
-                               return var(q) >= bv;
-                             }));
-        if (!doomed) {
-          saved.emplace_back(d_trail[i], r);
-        }
-      }
-      for (size_t i = repair_from; i < d_trail.size(); ++i) {
-        Var x = var(d_trail[i]);
-        d_assigns[x] = dpll::kValUndef;
-        d_vardata[x].reason = nullptr;
-        d_vardata[x].level = -1;
-        insert_var_order(x);
-      }
-      d_trail.resize(repair_from);
-      d_qhead = std::min<uint32_t>(d_qhead, repair_from);
-      d_theory_head = std::min<uint32_t>(d_theory_head, repair_from);
+      take_trail_from(repair_from, bv, saved);
     }
   }
 
@@ -108,33 +88,12 @@ void DpllSolver::pop_backtrack_point() {
                                         d_preferred_list.end(),
                                         [bv](Var x) { return x >= bv; }),
                          d_preferred_list.end());
-
   if (repair_from >= 0) {
-    for (const auto& [p, r] : saved) {
-      bool still = r == nullptr
-                   || std::all_of(r->begin(), r->end(), [this, p = p](Lit q) {
-                        return q == p || is_false(q);
-                      });
-      if (still && is_unassigned(p)) {
-        unchecked_enqueue(p, r);
-      }
-    }
-    d_qhead = static_cast<uint32_t>(repair_from);
+    restore_trail(repair_from, saved);
   }
-
   if (d_config->store_tlemmas && !d_btpoint_stored.empty()) {
-    size_t from = d_btpoint_stored.back();
+    drop_stored_lemmas(b ^ 1, d_btpoint_stored.back());
     d_btpoint_stored.pop_back();
-    size_t j = from;
-    for (size_t i = from; i < d_stored_lemmas.size(); ++i) {
-      Clause* c = d_stored_lemmas[i];
-      if (c->contains(b ^ 1)) {
-        Clause::release(c);
-      } else {
-        d_stored_lemmas[j++] = c;
-      }
-    }
-    d_stored_lemmas.resize(j);
   }
 
   d_btpoint_ids.pop_back();
@@ -153,12 +112,76 @@ void DpllSolver::pop_backtrack_point() {
   d_cancel_on_push = false;
 }
 
+// Unassigns the level-0 trail from position `from` on, and keeps in
+// `saved` the entries (literal and reason) that do not depend on variables
+// from `bv` up.
+void DpllSolver::take_trail_from(int from,
+                                 Var bv,
+                                 std::vector<std::pair<Lit, Clause*>>& saved) {
+  auto young = [bv](Lit q) { return var(q) >= bv; };
+  for (size_t i = from + 1; i < d_trail.size(); ++i) {
+    Var x = var(d_trail[i]);
+    Clause* r = d_vardata[x].reason;
+    bool doomed = x >= bv
+                  || (r != nullptr && r != d_placeholder
+                      && std::any_of(r->begin(), r->end(), young));
+    if (!doomed) {
+      saved.emplace_back(d_trail[i], r);
+    }
+  }
+  for (size_t i = from; i < d_trail.size(); ++i) {
+    Var x = var(d_trail[i]);
+    d_assigns[x] = dpll::kValUndef;
+    d_vardata[x].reason = nullptr;
+    d_vardata[x].level = -1;
+    insert_var_order(x);
+  }
+  d_trail.resize(from);
+  d_qhead = std::min<uint32_t>(d_qhead, from);
+  d_theory_head = std::min<uint32_t>(d_theory_head, from);
+}
+
+// Puts back, oldest first, the saved entries whose reasons still imply
+// them; propagation resumes at `from`.
+void DpllSolver::restore_trail(
+    int from, const std::vector<std::pair<Lit, Clause*>>& saved) {
+  for (const auto& [p, r] : saved) {
+    Lit implied = p;
+    bool still = r == nullptr
+                 || std::all_of(r->begin(), r->end(), [this, implied](Lit q) {
+                      return q == implied || is_false(q);
+                    });
+    if (still && is_unassigned(p)) {
+      unchecked_enqueue(p, r);
+    }
+  }
+  d_qhead = static_cast<uint32_t>(from);
+}
+
+// Drops the stored theory lemmas from index `from` on that contain `guard`.
+void DpllSolver::drop_stored_lemmas(Lit guard, size_t from) {
+  size_t j = from;
+  for (size_t i = from; i < d_stored_lemmas.size(); ++i) {
+    Clause* c = d_stored_lemmas[i];
+    if (c->contains(guard)) {
+      Clause::release(c);
+    } else {
+      d_stored_lemmas[j++] = c;
+    }
+  }
+  d_stored_lemmas.resize(j);
+}
+
 // Deletes the variables from `bv` up, youngest first, with their atoms.
 void DpllSolver::pop_young_vars(Var bv) {
   while (num_vars() > bv) {
     Var y = num_vars() - 1;
-    if (d_assigns[y] != dpll::kValUndef) {
-      throw error("internal error: popping an assigned variable");
+    // Every clause over a variable of the point carries the point's guard
+    // and is gone by now; anything left would point into freed tables.
+    if (d_assigns[y] != dpll::kValUndef || !d_watches[2 * y].empty()
+        || !d_watches[2 * y + 1].empty()) {
+      throw error("internal error: variable " + std::to_string(y)
+                  + " outlives its backtrack point");
     }
     const Term_* t = d_var_term[y];
     if (t != nullptr && d_theory_on) {

@@ -20,7 +20,6 @@ constexpr uint64_t kMinReduceThreshold = 3000;
 constexpr uint64_t kMinReduceIncrement = 500;
 constexpr uint64_t kMinLearntBase = 1000;
 constexpr uint64_t kLearntLimitFactor = 50;
-constexpr double kLearntLimitGrowth = 1.1;
 constexpr double kLbdRestartMargin = 0.7;
 
 // The Luby sequence from index 1: 1 1 2 1 1 2 4 1 1 2 1 1 2 4 8 ...
@@ -323,14 +322,15 @@ void DpllSolver::maybe_reduce_db() {
   if (d_reduce_threshold * d_reduce_multiplier <= d_stats.check_conflicts) {
     if (over) {
       d_learnt_limit =
-          static_cast<uint64_t>(d_learnt_limit * kLearntLimitGrowth);
+          static_cast<uint64_t>(d_learnt_limit * d_config->learnt_size_inc);
     } else {
       d_reduce_multiplier = d_stats.check_conflicts / d_reduce_threshold + 1;
       d_reduce_threshold += d_reduce_increment;
     }
     reduce_db();
   } else if (over) {
-    d_learnt_limit = static_cast<uint64_t>(d_learnt_limit * kLearntLimitGrowth);
+    d_learnt_limit =
+        static_cast<uint64_t>(d_learnt_limit * d_config->learnt_size_inc);
     reduce_db();
   }
 }

@@ -434,6 +434,12 @@ TEST(DpllBacktrackPoints, PopRestoresEarlierAnswer) {
     EXPECT_FALSE(s.solve());
     s.pop_backtrack_point();
     EXPECT_EQ(s.num_vars(), 50);
+    // Learnt clauses that rest on the point went with its guard.
+    for (const dpll::Clause* c : s.learnts()) {
+      for (Lit p : *c) {
+        EXPECT_LT(dpll::var(p), 50);
+      }
+    }
     ASSERT_TRUE(s.solve());
     EXPECT_TRUE(satisfies(s, base.clauses));
   }
