@@ -146,7 +146,7 @@ void TheoryManager::tell_atom(const Term_* term, Var v) {
       update_interface_terms(term);
     }
   }
-  handle_bool_arg_requests();
+  handle_euf_requests();
 }
 
 void TheoryManager::retract_atom(const Term_* term, Var v) {
@@ -292,7 +292,8 @@ bool TheoryManager::run_check(int i, bool approx) {
 // get_next_implied starts behind EUF: EUF still checks, but its
 // implications are not collected.
 bool TheoryManager::check_approx() {
-  handle_bool_arg_requests();
+  throw_if_refused();
+  handle_euf_requests();
   const int low = d_config->euf.low_priority ? 1 : 0;
   d_cursor = low;
   if (conflict()) {
@@ -308,7 +309,8 @@ bool TheoryManager::check_approx() {
 }
 
 bool TheoryManager::check_complete() {
-  handle_bool_arg_requests();
+  throw_if_refused();
+  handle_euf_requests();
   d_cursor = d_config->euf.low_priority ? 1 : 0;
   if (conflict()) {
     return false;

@@ -203,8 +203,10 @@ class TheoryManager {
                    const std::vector<TheoryLit>& lits,
                    bool is_lemma);
 
-  // ---- Boolean arguments of functions (theorymanager_lemmas.cpp) -----------
-  void handle_bool_arg_requests();
+  // ---- Terms EUF meets (theorymanager_lemmas.cpp) --------------------------
+  void handle_euf_requests();
+  void check_supported(const Term_* t);
+  void throw_if_refused();
   void give_to_euf(Var var, const Term_* term);
   void resend_late_literals(int level);
 
@@ -247,6 +249,9 @@ class TheoryManager {
   // handled, and variables given to EUF after they were assigned.
   TermSet d_bool_args;
   std::vector<const Term_*> d_bool_requests;
+  std::vector<const Term_*> d_foreign;
+  const Term_* d_refused = nullptr;
+  std::string d_refusal;
   std::vector<Var> d_late_vars;
 
   // Theory combination: one frame per told atom (the variable, so far).

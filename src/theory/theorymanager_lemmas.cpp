@@ -139,6 +139,77 @@ void TheoryManager::dump_tlemma(TheoryLit lit,
 }
 
 // ---------------------------------------------------------------------------
+// Terms that EUF meets: of other theories, and Boolean arguments
+// ---------------------------------------------------------------------------
+
+// The slot of the solver that decides terms with this symbol tag, or -1.
+static int solver_for_tag(SymbolTag::tag tag) {
+  using Index = TheoryManager::SolverIndex;
+  if (tag >= SymbolTag::BV_CONCAT && tag <= SymbolTag::BV_SEXT) {
+    return static_cast<int>(Index::Bv);
+  }
+  if (tag >= SymbolTag::FP_EQ && tag <= SymbolTag::FP_FROM_IEEEBV) {
+    return static_cast<int>(Index::Fp);
+  }
+  switch (tag) {
+    case SymbolTag::PLUS:
+    case SymbolTag::TIMES:
+    case SymbolTag::DIVIDE:
+    case SymbolTag::FLOOR:
+    case SymbolTag::LEQ:
+    case SymbolTag::INT_MOD_CONGR: return static_cast<int>(Index::La);
+    case SymbolTag::INT_FROM_UBV:
+    case SymbolTag::INT_FROM_SBV:
+    case SymbolTag::INT_TO_BV: return static_cast<int>(Index::Bv);
+    case SymbolTag::ARRAY_READ:
+    case SymbolTag::ARRAY_WRITE:
+    case SymbolTag::ARRAY_CONST: return static_cast<int>(Index::Arr);
+    case SymbolTag::PI:
+    case SymbolTag::EXP:
+    case SymbolTag::SIN:
+    case SymbolTag::LOG:
+    case SymbolTag::POW:
+    case SymbolTag::ASIN: return static_cast<int>(Index::Na);
+    default: return -1;
+  }
+}
+
+// Congruence closure treats every symbol as uninterpreted, which is sound
+// but answers sat for what only another theory refutes. Rather than a
+// wrong answer, a term whose theory has no enabled solver is refused.
+void TheoryManager::check_supported(const Term_* t) {
+  int need = -1;
+  SymbolTag::tag tag = d_tm->get_tag(t->get_symbol());
+  if (tag != SymbolTag::UNKNOWN && tag != SymbolTag::EQ
+      && tag != SymbolTag::ITE) {
+    need = solver_for_tag(tag);
+  } else if (d_tm->is_bv_type(t->get_type())) {
+    need = static_cast<int>(SolverIndex::Bv);
+  } else if (d_tm->is_fp_type(t->get_type())
+             || d_tm->is_fprounding_type(t->get_type())) {
+    need = static_cast<int>(SolverIndex::Fp);
+  }
+  if (need < 0 || !enabled(need)) {
+    d_refused = t;
+    d_refusal = "no enabled theory solver handles `" + t->to_shallow_str()
+                + "' of type " + t->get_type()->to_str();
+    throw error(d_refusal);
+  }
+}
+
+// A refused term stays refused while EUF knows it: the search must not go
+// on as if the atom were decided.
+void TheoryManager::throw_if_refused() {
+  if (d_refused == nullptr) {
+    return;
+  }
+  if (d_euf != nullptr && d_euf->get_solver().has_node(d_refused)) {
+    throw error(d_refusal);
+  }
+  d_refused = nullptr;
+}
+
+// ---------------------------------------------------------------------------
 // Boolean arguments of functions
 // ---------------------------------------------------------------------------
 
@@ -146,11 +217,15 @@ void TheoryManager::dump_tlemma(TheoryLit lit,
 // with a variable is given to EUF (if it was not); an atom without one gets
 // one; a compound formula without one is defined by EUF's lemmas, which
 // make the variable.
-void TheoryManager::handle_bool_arg_requests() {
+void TheoryManager::handle_euf_requests() {
   if (!enabled(0) || d_euf == nullptr) {
     return;
   }
-  d_euf->take_bool_arg_requests(d_bool_requests);
+  d_euf->take_requests(d_bool_requests, d_foreign);
+  for (const Term_* t : d_foreign) {
+    check_supported(t);
+  }
+  d_foreign.clear();
   while (!d_bool_requests.empty()) {
     const Term_* t = d_bool_requests.back();
     d_bool_requests.pop_back();

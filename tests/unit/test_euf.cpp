@@ -281,11 +281,14 @@ TEST_F(EufTest, BooleanArgumentsFollowTheirTruthValues) {
   const Term_* fp = tm.make_uninterpreted_function(f, {p});
   const Term_* fq = tm.make_uninterpreted_function(f, {q});
   const Term_* ft = tm.make_uninterpreted_function(f, {tm.make_true()});
+  s.set_report_new_terms(true);
   s.tell_atom(tm.make_equal(fp, fq));
-  std::vector<const Term_*> args;
-  s.take_new_bool_args(args);
-  std::sort(args.begin(), args.end());
-  EXPECT_EQ(args, (std::vector<const Term_*>{p, q}));
+  std::vector<const Term_*> made;
+  s.take_new_terms(made);
+  std::sort(made.begin(), made.end());
+  std::vector<const Term_*> expected{p, q, fp, fq, tm.make_equal(fp, fq)};
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(made, expected);
   s.add_term(ft);
   ASSERT_TRUE(assert_all(s, {TheoryLit(p), TheoryLit(q)}));
   EXPECT_TRUE(s.are_equal(fp, fq));

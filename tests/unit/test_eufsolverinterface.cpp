@@ -463,5 +463,36 @@ TEST_F(EufBoolArgs, ArgumentsNamedEarlierReachEuf) {
   EXPECT_FALSE(road.engine->solve());
 }
 
+// ---------------------------------------------------------------------------
+// Terms of theories without a solver
+// ---------------------------------------------------------------------------
+
+// Congruence alone would call x + 1 = x satisfiable, and two different
+// values of a one-bit vector x impossible to avoid: such terms are refused
+// while no solver of their theory exists, and stay refused.
+TEST(EufForeign, TermsOfMissingTheoriesAreRefused) {
+  TermManager tm;
+  const Term_* x = tm.make_constant(tm.make_symbol("x", tm.get_integer_type()));
+  Road road(tm);
+  const Term_* bad = tm.make_equal(tm.make_plus(x, tm.make_number(1)), x);
+  EXPECT_THROW(road.add({{bad, false}}), TheoryManager::error);
+  EXPECT_THROW(road.engine->solve(), TheoryManager::error);
+
+  TermManager tm2;
+  const Term_* y = tm2.make_constant(tm2.make_symbol("y", tm2.get_bv_type(1)));
+  Road road2(tm2);
+  EXPECT_THROW(road2.add({{tm2.make_equal(y, tm2.make_bv_number(0, 1)), true}}),
+               TheoryManager::error);
+
+  // Numbers of infinite types are values EUF knows.
+  TermManager tm3;
+  const Term_* z =
+      tm3.make_constant(tm3.make_symbol("z", tm3.get_integer_type()));
+  Road road3(tm3);
+  road3.add({{tm3.make_equal(z, tm3.make_number(1)), false}});
+  road3.add({{tm3.make_equal(z, tm3.make_number(2)), false}});
+  EXPECT_FALSE(road3.engine->solve());
+}
+
 }  // namespace
 }  // namespace zenlo

@@ -17,18 +17,6 @@ constexpr size_t kPoolFirstBlock = 256;
 constexpr double kPoolGrowth = 2.0;
 constexpr size_t kPoolMaxBlock = 16384;
 
-bool is_connective(SymbolTag::tag t) {
-  switch (t) {
-    case SymbolTag::TRUE:
-    case SymbolTag::FALSE:
-    case SymbolTag::NOT:
-    case SymbolTag::AND:
-    case SymbolTag::OR:
-    case SymbolTag::IFF: return true;
-    default: return false;
-  }
-}
-
 }  // namespace
 
 Solver::Solver(TermManager* tm)
@@ -62,7 +50,7 @@ void Solver::reset() {
   d_implied.clear();
   d_implied_head = 0;
   d_reasons.clear();
-  d_new_bool_args.clear();
+  d_new_terms.clear();
   d_consistent = true;
   d_next_id = 1;
   d_nil = EqNode();
@@ -120,26 +108,16 @@ EqNode* Solver::build_term_node(const Term_* t) {
     for (size_t i = t->get_arity(); i-- > 0;) {
       list = cons(node_or_null(t->get_child(i)), list, nullptr);
     }
-    note_bool_args(t);
+  }
+  if (d_report_new_terms) {
+    d_new_terms.push_back(t);
   }
   return cons(symbol_node(t), list, t);
 }
 
-void Solver::note_bool_args(const Term_* t) {
-  if (t->get_arity() == 0 || is_connective(d_tm->get_tag(t->get_symbol()))) {
-    return;
-  }
-  for (const Term_* c : *t) {
-    if (d_tm->is_bool_type(c->get_type()) && c != d_true_term
-        && c != d_false_term) {
-      d_new_bool_args.push_back(c);
-    }
-  }
-}
-
-void Solver::take_new_bool_args(std::vector<const Term_*>& out) {
-  out.insert(out.end(), d_new_bool_args.begin(), d_new_bool_args.end());
-  d_new_bool_args.clear();
+void Solver::take_new_terms(std::vector<const Term_*>& out) {
+  out.insert(out.end(), d_new_terms.begin(), d_new_terms.end());
+  d_new_terms.clear();
 }
 
 EqNode* Solver::symbol_node(const Term_* t) {

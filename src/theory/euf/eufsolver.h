@@ -90,11 +90,14 @@ class Solver {
   // After: nodes exist for `t` and its subterms.
   void add_term(const Term_* t) { node_of(t); }
 
-  // Bool-typed arguments of applications met while making nodes since the
-  // last call (not those of the Boolean connectives). A Boolean argument
-  // is only sound if its node joins the class of `true` or of `false`,
-  // which needs its truth value from the caller.
-  void take_new_bool_args(std::vector<const Term_*>& out);
+  // With reporting on, every term that gets a node is kept for
+  // take_new_terms, so that a caller can look at each term once (for
+  // Boolean arguments, for terms of other theories).
+  void set_report_new_terms(bool on) { d_report_new_terms = on; }
+
+  // After: `out` has the terms that got nodes since the last call (again
+  // after a backtrack made them anew).
+  void take_new_terms(std::vector<const Term_*>& out);
 
   // ---- Asserting -----------------------------------------------------------
 
@@ -253,7 +256,6 @@ class Solver {
   EqNode* cons(EqNode* left, EqNode* right, const Term_* term);
   EqNode* new_node(EqNode::NodeKind kind, const Term_* term);
   bool is_value_term(const Term_* t) const;
-  void note_bool_args(const Term_* t);
   void add_use(EqNode* cls, EqNode* user);
   void remove_use(EqNode* cls, EqNode* user);
 
@@ -356,7 +358,8 @@ class Solver {
   std::vector<UsedCongruence> d_used_congruences;
 
   std::vector<const Term_*> d_build_stack;
-  std::vector<const Term_*> d_new_bool_args;
+  bool d_report_new_terms = false;
+  std::vector<const Term_*> d_new_terms;
   Stats d_stats;
 };
 

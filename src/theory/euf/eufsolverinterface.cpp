@@ -13,6 +13,7 @@ EufSolverInterface::EufSolverInterface(const Configuration::Theory::Euf* config,
                                        TermManager* tm)
     : TheorySolver(tm), d_config(config), d_solver(tm) {
   d_solver.set_backtrack_keep_told(true);
+  d_solver.set_report_new_terms(true);
   d_solver.set_record_congruences(d_config->dyn_ack > 0);
 }
 
@@ -63,13 +64,45 @@ void EufSolverInterface::retract_atom(const Term_* atom) {
   }
 }
 
-void EufSolverInterface::take_bool_arg_requests(
-    std::vector<const Term_*>& out) {
-  d_new_bool_args.clear();
-  d_solver.take_new_bool_args(d_new_bool_args);
-  for (const Term_* t : d_new_bool_args) {
-    if (d_bool_args.insert(t).second) {
-      out.push_back(t);
+bool EufSolverInterface::is_own_term(const Term_* t) const {
+  switch (d_tm->get_tag(t->get_symbol())) {
+    case SymbolTag::UNKNOWN:
+    case SymbolTag::TRUE:
+    case SymbolTag::FALSE:
+    case SymbolTag::NOT:
+    case SymbolTag::AND:
+    case SymbolTag::OR:
+    case SymbolTag::IFF:
+    case SymbolTag::EQ:
+    case SymbolTag::ITE: break;
+    default: return false;
+  }
+  // Finitely many values need counting, which congruence does not do.
+  const Type* type = t->get_type();
+  return d_tm->is_bool_type(type) || !d_tm->is_finite_domain_type(type);
+}
+
+void EufSolverInterface::take_requests(std::vector<const Term_*>& bool_args,
+                                       std::vector<const Term_*>& foreign) {
+  d_new_terms.clear();
+  d_solver.take_new_terms(d_new_terms);
+  for (const Term_* t : d_new_terms) {
+    if (!is_own_term(t)) {
+      foreign.push_back(t);
+    }
+    switch (d_tm->get_tag(t->get_symbol())) {
+      case SymbolTag::NOT:
+      case SymbolTag::AND:
+      case SymbolTag::OR:
+      case SymbolTag::IFF:
+      case SymbolTag::ITE: continue;  // the search owns these arguments
+      default: break;
+    }
+    for (const Term_* c : *t) {
+      if (d_tm->is_bool_type(c->get_type()) && c != d_tm->make_true()
+          && c != d_tm->make_false() && d_bool_args.insert(c).second) {
+        bool_args.push_back(c);
+      }
     }
   }
 }

@@ -89,9 +89,18 @@ class EufSolverInterface : public TheorySolver {
     return d_solver.get_representative(term);
   }
 
-  // After: `out` holds the Boolean arguments met since the last call, whose
-  //   truth values the solver needs (see the header note).
-  void take_bool_arg_requests(std::vector<const Term_*>& out);
+  // Looks at the terms that got nodes since the last call.
+  // After: `bool_args` has the Boolean arguments among them not asked for
+  //   before, whose truth values the solver needs (see the header note);
+  //   `foreign` has those that EUF alone cannot decide: applications of
+  //   other theories' symbols, and terms of finite types other than Bool.
+  void take_requests(std::vector<const Term_*>& bool_args,
+                     std::vector<const Term_*>& foreign);
+
+  // Returns: whether congruence closure alone decides `t`'s symbol and
+  //   type (Boolean connectives, equality, if-then-else, uninterpreted
+  //   symbols and values of infinite types).
+  bool is_own_term(const Term_* t) const;
 
   // Requires: `term` is a compound Boolean formula without a variable.
   // After: its Tseitin definition is queued as permanent lemmas.
@@ -157,7 +166,7 @@ class EufSolverInterface : public TheorySolver {
   // definitions to hand out.
   TermSet d_bool_args;
   TermSet d_defined;
-  std::vector<const Term_*> d_new_bool_args;
+  std::vector<const Term_*> d_new_terms;
   std::deque<std::vector<TheoryLit>> d_def_lemmas;
 
   // Dynamic Ackermann.
