@@ -1,7 +1,17 @@
+// Building and tearing down an environment, its reset, and statistics.
+// The road of a formula to an answer is in environment_check.cpp.
 #include "api/environment.h"
 
 #include <cstdio>
 #include <string>
+
+#include "api/terminationtest.h"
+#include "dpll/dpllsolver.h"
+#include "preprocess/cnfgenerator.h"
+#include "preprocess/constraintencoder.h"
+#include "preprocess/dpllclausesink.h"
+#include "preprocess/polaritychecker.h"
+#include "preprocess/tseitincnfgenerator.h"
 
 namespace zenlo {
 
@@ -59,7 +69,13 @@ Environment::Environment(const Configuration& config)
   // `term_simplifications` says.
   d_tm->set_forbid_bool_args(!d_config.allow_bool_function_args);
   configure_logger();
-  init();
+  try {
+    init();
+  } catch (...) {
+    do_reset();
+    destroy_owned_store();
+    throw;
+  }
   // API call tracing starts here, after init().
 }
 
@@ -72,18 +88,30 @@ Environment::Environment(const Configuration& config, TermManager* shared)
     d_tm->enable_simplifications(false);
   }
   configure_logger();
-  init();
+  try {
+    init();
+  } catch (...) {
+    do_reset();
+    throw;
+  }
 }
 
 Environment::~Environment() {
-  // Reverse order of building: the parts of init() (none yet), the
-  // simplifier and the store, then stream and logger.
+  // Reverse order of building: the parts of init(), the simplifier and the
+  // store, then stream and logger.
+  do_reset();
+  destroy_owned_store();
+  d_out.flush();
+}
+
+void Environment::destroy_owned_store() {
   if (d_owns_tm) {
     d_tm->set_simplifier(nullptr);
     delete d_simplifier;
     delete d_tm;
+    d_simplifier = nullptr;
+    d_tm = nullptr;
   }
-  d_out.flush();
 }
 
 void Environment::configure_logger() {
@@ -102,11 +130,150 @@ void Environment::configure_logger() {
   }
 }
 
+// ---------------------------------------------------------------------------
+// init and reset
+// ---------------------------------------------------------------------------
+
 void Environment::init() {
+  d_interrupted = false;
+  reset_model();
+  d_processed = 0;
+  d_last_result = -1;
   d_unsat_mark = -1;
   d_unsat_mark_group = -1;
-  d_last_result = -1;
-  // The engine, the theory manager and the pipeline are created here.
+
+  // The engine. (An external engine hook takes its place when one is set.)
+  d_dpll = std::make_unique<DpllSolver>(&d_config.dpll, &d_config);
+  // The theory manager with the solvers the options enable is created
+  // here and given to the engine (set_theory_manager) and the logger.
+  d_dpll->set_logger(&d_logger, d_config.verbosity > 2 ? "DPLL" : "");
+
+  // The rewrite stack, the top-level propagator, the term normalizer and
+  // the free-input coder are created here, each when its option asks.
+
+  make_constraint_encoder();
+
+  // The theory manager learns of the polarity checker once it exists.
+  d_polarity = std::make_unique<PolarityChecker>(d_tm);
+  d_clause_sink =
+      std::make_unique<DpllClauseSink>(d_tm,
+                                       d_dpll.get(),
+                                       d_polarity.get(),
+                                       d_config.unsat_core_generation == 2);
+  d_clause_sink->set_phase_by_polarity(d_config.dpll.branching_initial_phase
+                                       == 2);
+
+  // The unsat core store and the interpolation classifier (with the sink
+  // that forwards to it) are created here when their options ask.
+  d_cnf = std::make_unique<TseitinCNFGenerator<DpllClauseSink>>(
+      d_tm, d_clause_sink.get(), d_config.preprocessor.full_cnf_conversion);
+
+  // The NNF generator of `preprocessor.partial_nnf_conversion` goes here.
+
+  d_next_label = 1;
+  set_termination_test(d_termination);
+}
+
+void Environment::make_constraint_encoder() {
+  ConstraintEncoder::Options o;
+  o.interpolation_ite_elimination =
+      d_config.interpolation
+      && d_config.preprocessor.interpolation_ite_elimination;
+  o.term_ite_simplification = (d_config.preprocessor.simplification & 2) != 0;
+  o.ite_minimization = d_config.preprocessor.ite_minimization;
+  o.ite_minimization_call_limit =
+      d_config.preprocessor.ite_minimization_call_limit;
+  o.bv_div_by_zero_uf = d_config.theory.bv.div_by_zero_mode == 1;
+  o.fp_minmax_zero_uf = d_config.theory.fp.minmax_zero_mode == 4;
+  o.fp_to_bv_overflow_uf = d_config.theory.fp.to_bv_overflow_mode == 1;
+  o.na_div_by_zero_uf = d_config.theory.na.div_by_zero_mode == 1;
+  if (d_encoder != nullptr) {
+    d_encoder->reset();
+  } else {
+    d_encoder = std::make_unique<ConstraintEncoder>(d_tm, o, nullptr);
+  }
+  d_encoder->set_termination_test(d_termination);
+}
+
+void Environment::do_reset() {
+  // Reverse dependency order: the generator feeds the sink, the sink the
+  // engine, and the sink asks the polarity checker.
+  d_cnf.reset();
+  d_clause_sink.reset();
+  d_polarity.reset();
+  d_encoder.reset();
+  reset_model();
+  d_dpll.reset();
+  d_stack.clear();
+  d_labels.clear();
+  d_processed = 0;
+}
+
+void Environment::reset_assertions() {
+  // (The tracer is told here, and an external engine's interface reset.)
+  do_reset();
+  init();
+}
+
+void Environment::reset_after_interrupted() {
+  std::vector<const Term_*> stack = std::move(d_stack);
+  std::vector<const Term_*> labels = std::move(d_labels);
+  reset_assertions();
+  d_stack = std::move(stack);
+  d_labels = std::move(labels);
+}
+
+void Environment::set_termination_test(TerminationTest* test) {
+  d_termination = test;
+  if (d_dpll != nullptr) {
+    d_dpll->set_termination_test(test);
+  }
+  if (d_cnf != nullptr) {
+    d_cnf->set_termination_test(test);
+  }
+  if (d_encoder != nullptr) {
+    d_encoder->set_termination_test(test);
+  }
+  // The theory manager, the top-level propagator and the model get it
+  // too once they exist.
+}
+
+size_t Environment::num_backtrack_points() const {
+  size_t n = 0;
+  for (const Term_* t : d_stack) {
+    n += t == nullptr ? 1 : 0;
+  }
+  return n;
+}
+
+// ---------------------------------------------------------------------------
+// Statistics
+// ---------------------------------------------------------------------------
+
+Environment::Stats Environment::get_stats() const {
+  Stats out;
+  if (d_clause_sink != nullptr) {
+    out.emplace_back(":cnf-variables",
+                     std::to_string(d_clause_sink->num_variables()));
+    out.emplace_back(":cnf-literals",
+                     std::to_string(d_clause_sink->num_literals()));
+    out.emplace_back(":cnf-clauses",
+                     std::to_string(d_clause_sink->num_clauses()));
+  }
+  if (d_dpll != nullptr) {
+    for (auto& kv : d_dpll->get_stats()) {
+      out.push_back(std::move(kv));
+    }
+  }
+  // The theory manager's groups follow, as ":" + group + "-" + entry.
+  return out;
+}
+
+void Environment::print_stats(std::ostream& out,
+                              const std::string& prefix) const {
+  for (const auto& [key, value] : get_stats()) {
+    out << prefix << key << ' ' << value << '\n';
+  }
 }
 
 const Term_* Environment::apply_substitution(const Term_* term,

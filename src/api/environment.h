@@ -1,9 +1,21 @@
 // One solving context. An Environment owns its copy of the configuration,
 // its output stream and logger, and (unless it was made to share another
-// environment's) its term store; the search engine, the theory manager and
-// the preprocessing pipeline hang off it once init() builds them.
+// environment's) its term store; init() builds the search engine and the
+// preprocessing pipeline on top, and fixes the order of all work:
 //
-// The parts are built in a fixed order, and torn down in the reverse one:
+//   assert_formula  appends to the assertion stack, nothing else;
+//   check           flushes what is new through the pipeline
+//                   (do_assert_stack -> do_assert_formula: encoder,
+//                   polarity checker, CNF generator, clause sink, engine),
+//                   then runs the engine's search.
+//
+// A null entry of the assertion stack marks a backtrack point; the stack
+// is processed up to a count, and everything below the count has reached
+// the engine. A check that a termination test stopped marks the
+// environment interrupted, and the next check rebuilds the whole solver
+// state from the stack.
+//
+// The parts are built in a fixed order and torn down in the reverse one:
 // configuration, stream and logger; term store; simplifier; init(). A
 // shared environment uses another environment's TermManager and owns
 // nothing of it: the owner must outlive every environment sharing its
@@ -18,6 +30,9 @@
 #include <memory>
 #include <ostream>
 #include <streambuf>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "api/configuration.h"
 #include "api/exception.h"
@@ -27,14 +42,26 @@
 
 namespace zenlo {
 
+class CNFGenerator;
+class ConstraintEncoder;
+class DpllClauseSink;
+class DpllSolver;
+class PolarityChecker;
+class TerminationTest;
+class TheoryManager;
+
 class Environment {
  public:
   ZENLO_DECLARE_ERROR;
+
+  using Stats = std::vector<std::pair<std::string, std::string>>;
 
   // An environment with its own term store.
   // - After: the term store exists with type checking on and Bool function
   //   arguments forbidden unless `allow_bool_function_args`; the logger
   //   writes to standard output at the configured verbosity; init() ran.
+  // - Throws: Exception when the settings cannot be combined (the engine
+  //   refuses them); nothing is left behind.
   explicit Environment(const Configuration& config);
 
   // An environment on the term store of another one.
@@ -48,9 +75,74 @@ class Environment {
   Environment(const Environment&) = delete;
   Environment& operator=(const Environment&) = delete;
 
+  // ---- The road to an answer ---------------------------------------------
+
+  // Appends `f` to the assertion stack; no other work happens until the
+  // next check.
+  // - Throws: error for a formula that is not of type Bool.
+  virtual void assert_formula(const Term_* f);
+
+  // Decides the conjunction of the assertion stack.
+  // - Returns: 1 sat, 0 unsat, -1 unknown (also when `solver_enabled` is
+  //   off, with no message).
+  // - Throws: TerminationTest::terminated when the termination test
+  //   stopped the check; any failure of preprocessing. After either, the
+  //   environment is marked interrupted and the next check rebuilds the
+  //   solver state from the assertion stack.
+  virtual int check();
+
+  // (The All-SAT enumeration slots in here.)
+
   // Builds the solving parts from the configuration; runs at construction
   // and again after every reset.
   virtual void init();
+
+  // Destroys what init() built, in reverse order, and empties the
+  // assertion stack.
+  virtual void do_reset();
+
+  // Drops the current model. There is no model store yet: nothing to do.
+  virtual void reset_model() {}
+
+  // Rebuilds the solver state from the assertion stack after a check that
+  // did not finish.
+  virtual void reset_after_interrupted();
+
+  // Back to the state of a fresh environment, with the same configuration
+  // and term store (terms stay valid).
+  void reset_assertions();
+
+  // Installs `test` (may be null; the caller keeps ownership) in every
+  // part that polls one: engine, CNF generator, constraint encoder.
+  void set_termination_test(TerminationTest* test);
+
+  TerminationTest* get_termination_test() const { return d_termination; }
+
+  // ---- State -------------------------------------------------------------
+
+  // Returns: the result of the last check: 1 sat, 0 unsat, -1 unknown.
+  int last_result() const { return d_last_result; }
+
+  bool interrupted() const { return d_interrupted; }
+
+  // Returns: the number of open backtrack points (null entries) of the
+  // assertion stack.
+  size_t num_backtrack_points() const;
+
+  const std::vector<const Term_*>& assertion_stack() const { return d_stack; }
+
+  // Returns: how many stack entries have reached the engine.
+  size_t num_processed() const { return d_processed; }
+
+  // ---- Statistics --------------------------------------------------------
+
+  // Returns: pairs of key and value: the CNF counters, then the engine's.
+  Stats get_stats() const;
+
+  // Writes one line per statistic: prefix, key, a blank, value.
+  void print_stats(std::ostream& out, const std::string& prefix) const;
+
+  // ---- Parts and services ------------------------------------------------
 
   TermManager& get_term_manager() { return *d_tm; }
 
@@ -68,6 +160,10 @@ class Environment {
 
   std::ostream& get_output_stream() { return d_out; }
 
+  DpllSolver* get_dpll_solver() const { return d_dpll.get(); }
+
+  const DpllClauseSink* get_clause_sink() const { return d_clause_sink.get(); }
+
   // Replaces from[i] by to[i] in `term`, all at once, with type checks.
   // - Throws: TermManager::error for unequal types.
   const Term_* apply_substitution(const Term_* term,
@@ -75,9 +171,28 @@ class Environment {
                                   const Term_* const* to,
                                   size_t n);
 
+ protected:
+  // Runs every stack entry from the processed count upward through the
+  // pipeline; in batch mode the formulas between two backtrack points go
+  // as one conjunction.
+  void do_assert_stack();
+
+  // The pipeline of one formula (with `encode`, through the constraint
+  // encoder), ending in the CNF generator.
+  void do_assert_formula(const Term_* f, bool encode);
+
+  // Opens a backtrack point in every part that keeps one.
+  void do_push_backtrack_point();
+
+  int do_check();
+
  private:
-  void open_output();
   void configure_logger();
+  void make_constraint_encoder();
+  void flush_pending(const Term_*& pending);
+  void record_unsat_mark();
+  void log_step(int level, const char* what);
+  void destroy_owned_store();
 
   // 1. Configuration copy, output stream, logger.
   Configuration d_config;
@@ -93,17 +208,55 @@ class Environment {
   //    stays null until the standard simplifier exists.
   TermSimplifier* d_simplifier = nullptr;
 
-  // Built by init(), in this order, once they exist: the search engine
-  // and the external engine interface; the theory manager with its
-  // solvers; the rewrite stack and the preprocessing steps; the constraint
-  // encoder, polarity checker, clause sink and CNF generator.
+  // 4. The search engine. (An external engine hook and its interface slot
+  //    in here.)
+  std::unique_ptr<DpllSolver> d_dpll;
 
-  // Unsat mark (number of open backtrack points at which unsatisfiability
-  // was found, or -1), its interpolation group, and the last result
-  // (-1 unknown, 0 unsat, 1 sat).
+  // 5. The theory manager: null until theories exist; the engine then
+  //    runs as a plain SAT solver, and a sat answer over atoms that need a
+  //    theory is refused (see do_check).
+  TheoryManager* d_theory_manager = nullptr;
+
+  // 6. Unsat mark (number of open backtrack points at which
+  //    unsatisfiability was found, or -1), its interpolation group.
   int32_t d_unsat_mark = -1;
   int32_t d_unsat_mark_group = -1;
+
+  // 7. The termination test installed by the caller, or null.
+  TerminationTest* d_termination = nullptr;
+
+  // 8. The pipeline. (The rewrite stack, top-level propagator, term
+  //    normalizer and free-input coder come first once they exist; the
+  //    NNF generator after the CNF generator.)
+  std::unique_ptr<ConstraintEncoder> d_encoder;
+  std::unique_ptr<PolarityChecker> d_polarity;
+  std::unique_ptr<DpllClauseSink> d_clause_sink;
+  std::unique_ptr<CNFGenerator> d_cnf;
+
+  // 9. (The model store and the unsat core store slot in here.)
+
+  // 10. The assertion stack (null: a backtrack point) and how many of its
+  //     entries have reached the engine.
+  std::vector<const Term_*> d_stack;
+  size_t d_processed = 0;
+
+  // 11. (Interpolation groups per stack entry slot in here.)
+
+  // 12. Shallow labels and the next label number.
+  std::vector<const Term_*> d_labels;
+  uint32_t d_next_label = 1;
+
+  // 13. (The interpolation classifier and its sink slot in here.)
+
+  // 14. The last result: -1 unknown, 0 unsat, 1 sat.
   int32_t d_last_result = -1;
+
+  // 15. (The cached unsat-core result slots in here.)
+
+  // 16. Set when a check ended early; the next check rebuilds.
+  bool d_interrupted = false;
+
+  // 17. (The API tracer and its stream slot in here.)
 };
 
 }  // namespace zenlo

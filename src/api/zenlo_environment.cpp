@@ -1,4 +1,5 @@
-// Environment functions of the C interface: creation and destruction.
+// Environment functions of the C interface: creation, destruction, reset
+// and the termination test.
 #include <memory>
 
 #include "api/capi.h"
@@ -65,6 +66,24 @@ void zenlo_destroy_env(zenlo_env e) {
   }
   delete r->env;
   delete r;
+}
+
+int zenlo_reset_env(zenlo_env e) {
+  return capi::guarded(e, -1, [&](capi::EnvRecord& r) {
+    r.env->reset_assertions();
+    return 0;
+  });
+}
+
+int zenlo_set_termination_test(zenlo_env e,
+                               zenlo_termination_test func,
+                               void* user_data) {
+  return capi::guarded(e, -1, [&](capi::EnvRecord& r) {
+    r.termination.set(func, user_data);
+    // With no callback nothing is installed, so long loops poll nothing.
+    r.env->set_termination_test(func != nullptr ? &r.termination : nullptr);
+    return 0;
+  });
 }
 
 }  // extern "C"

@@ -6,26 +6,48 @@ usage: run_cli.py ZENLO STATUS REGEX [ARG...]
 The standard output must match REGEX (Python syntax, searched with
 re.MULTILINE) and the standard error must stay empty: the driver writes
 every message to its standard output.
+
+Two pseudo-arguments are not passed on: STDIN=PATH makes the file the
+standard input (else it is empty), and SIGINT_AFTER=SECONDS sends SIGINT to
+the run after that many seconds.
 """
 import re
+import signal
 import subprocess
 import sys
+import time
 
 
 def main():
     zenlo, status, regex = sys.argv[1], int(sys.argv[2]), sys.argv[3]
-    run = subprocess.run([zenlo] + sys.argv[4:], capture_output=True,
-                         text=True, timeout=60, stdin=subprocess.DEVNULL)
+    args, stdin_path, sigint_after = [], None, None
+    for a in sys.argv[4:]:
+        if a.startswith("STDIN="):
+            stdin_path = a[len("STDIN="):]
+        elif a.startswith("SIGINT_AFTER="):
+            sigint_after = float(a[len("SIGINT_AFTER="):])
+        else:
+            args.append(a)
+    stdin = open(stdin_path, "rb") if stdin_path else subprocess.DEVNULL
+    # A child of a non-interactive shell may inherit SIGINT as ignored.
+    proc = subprocess.Popen(
+        [zenlo] + args, stdin=stdin, stdout=subprocess.PIPE,
+        stderr=subprocess.PIPE, text=True,
+        preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+    if sigint_after is not None:
+        time.sleep(sigint_after)
+        proc.send_signal(signal.SIGINT)
+    out, err = proc.communicate(timeout=60)
     problems = []
-    if run.returncode != status:
-        problems.append(f"exit status {run.returncode}, expected {status}")
-    if not re.search(regex, run.stdout, re.MULTILINE):
+    if proc.returncode != status:
+        problems.append(f"exit status {proc.returncode}, expected {status}")
+    if not re.search(regex, out, re.MULTILINE):
         problems.append(f"output does not match {regex!r}")
-    if run.stderr:
+    if err:
         problems.append("unexpected standard error output")
     if problems:
         print("\n".join(problems))
-        print("--- stdout\n" + run.stdout + "--- stderr\n" + run.stderr)
+        print("--- stdout\n" + out + "--- stderr\n" + err)
         return 1
     return 0
 

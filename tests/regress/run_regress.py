@@ -71,6 +71,8 @@ def check_dimacs_model(text, out):
         if not s or s[0] in "cp%":
             continue
         for tok in s.split():
+            if tok.startswith("c"):
+                break  # a comment may follow a clause on its line
             v = int(tok)
             if v == 0:
                 clauses.append(cur)

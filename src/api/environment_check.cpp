@@ -1,0 +1,194 @@
+// The road of a formula to an answer: the assertion stack, the
+// preprocessing pipeline of one formula, and the check.
+#include <vector>
+
+#include "api/environment.h"
+#include "api/terminationtest.h"
+#include "dpll/dpllsolver.h"
+#include "preprocess/cnfgenerator.h"
+#include "preprocess/constraintencoder.h"
+#include "preprocess/dpllclausesink.h"
+#include "preprocess/polaritychecker.h"
+
+namespace zenlo {
+
+namespace {
+
+// Type checks are off for the length of a check: every term the pipeline
+// builds comes from terms already checked, and the checks would cost a
+// lookup per constructed node. The old value comes back on every exit.
+class TypecheckOff {
+ public:
+  explicit TypecheckOff(TermManager& tm)
+      : d_tm(tm), d_old(tm.typechecking_enabled()) {
+    tm.enable_typechecking(false);
+  }
+
+  ~TypecheckOff() { d_tm.enable_typechecking(d_old); }
+
+  TypecheckOff(const TypecheckOff&) = delete;
+  TypecheckOff& operator=(const TypecheckOff&) = delete;
+
+ private:
+  TermManager& d_tm;
+  bool d_old;
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Asserting
+// ---------------------------------------------------------------------------
+
+void Environment::assert_formula(const Term_* f) {
+  // (The tracer sees the call, and with interpolation the classifier's
+  // current group is stored with the formula.)
+  if (!d_tm->is_bool_type(f->get_type())) {
+    throw error("can't assert a term that is not of type Bool");
+  }
+  d_stack.push_back(f);
+}
+
+void Environment::do_assert_stack() {
+  // Batch mode: with no certificate to keep apart per formula, the
+  // formulas between two backtrack points are preprocessed together, so
+  // that propagation across them is possible.
+  const bool batch = !d_config.interpolation
+                     && d_config.unsat_core_generation == 0
+                     && !d_config.proof_generation;
+  const Term_* pending = nullptr;
+  while (d_processed < d_stack.size()) {
+    const Term_* f = d_stack[d_processed];
+    if (f == nullptr) {
+      flush_pending(pending);
+      do_push_backtrack_point();
+    } else if (!batch) {
+      // (With interpolation the classifier's group is set from the
+      // stack's group here.)
+      do_assert_formula(f, true);
+    } else if (pending == nullptr || f == d_tm->make_false()) {
+      pending = f;
+    } else if (f != d_tm->make_true() && pending != d_tm->make_false()) {
+      // `true` adds nothing and `false` absorbs the rest, as the
+      // construction-time simplifier would have it.
+      pending = pending == d_tm->make_true() ? f : d_tm->make_and(pending, f);
+    }
+    ++d_processed;
+  }
+  flush_pending(pending);
+}
+
+void Environment::flush_pending(const Term_*& pending) {
+  if (pending != nullptr) {
+    const Term_* f = pending;
+    pending = nullptr;
+    do_assert_formula(f, true);
+  }
+}
+
+void Environment::do_push_backtrack_point() {
+  log_step(2, "push");
+  // (Shallow incrementality pushes a label instead. The rewrite stack,
+  // top-level propagator and free-input coder push first.)
+  d_polarity->push_backtrack_point();
+  d_cnf->push_backtrack_point();
+  d_dpll->push_backtrack_point();
+  // (The interpolation classifier and the unsat core store push here.)
+}
+
+void Environment::do_assert_formula(const Term_* f, bool encode) {
+  if (d_encoder == nullptr) {
+    make_constraint_encoder();
+  }
+  // (The unsat core store replaces `f` by its tracked form here.)
+  if (d_unsat_mark >= 0) {
+    return;  // recorded on the stack; nothing can change the answer
+  }
+  // (Shallow labels weaken `f`, and the NNF generator rewrites it, here.)
+  log_step(1, "preprocessing...");
+  // (Free-input coding, top-level propagation and normalization run
+  // here, in this order.)
+  if (encode) {
+    log_step(2, " constraint encoding...");
+    f = (*d_encoder)(f);
+    log_step(2, " done");
+  }
+  d_polarity->add_formula(f);
+  SymbolTag::tag top = d_tm->get_tag(f->get_symbol());
+  if (top == SymbolTag::FALSE) {
+    reset_model();
+    record_unsat_mark();
+    // (The unsat core store learns of a trivial core here.)
+  } else if (top != SymbolTag::TRUE) {
+    reset_model();
+    log_step(2, " converting to cnf...");
+    (*d_cnf)(f);
+    log_step(2, " done");
+  }
+  log_step(1, "done");
+}
+
+void Environment::record_unsat_mark() {
+  d_unsat_mark = d_config.shallow_incrementality
+                     ? static_cast<int32_t>(d_labels.size())
+                     : d_dpll->num_backtrack_points();
+}
+
+void Environment::log_step(int level, const char* what) {
+  if (d_logger.would_log("", level)) {
+    d_logger("") << loglevel(level) << what << endlog;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Checking
+// ---------------------------------------------------------------------------
+
+int Environment::check() {
+  TypecheckOff typecheck_off(*d_tm);
+  // (The tracer sees the call.)
+  try {
+    return do_check();
+  } catch (...) {
+    // Whatever stopped the check may have left the engine or the pipeline
+    // half way; the next check starts over from the assertion stack.
+    d_interrupted = true;
+    d_last_result = -1;
+    throw;
+  }
+}
+
+int Environment::do_check() {
+  if (!d_config.solver_enabled) {
+    return -1;
+  }
+  if (d_interrupted) {
+    reset_after_interrupted();
+  }
+  do_assert_stack();
+  reset_model();
+  d_last_result = -1;
+  if (d_unsat_mark >= 0) {
+    d_last_result = 0;
+    return 0;
+  }
+  log_step(1, "searching...");
+  // Under shallow incrementality the negations of the open labels, and the
+  // unsat core store's assumptions, are added here.
+  std::vector<dpll::Lit> assumptions;
+  if (d_dpll->solve(assumptions)) {
+    if (d_theory_manager == nullptr && d_clause_sink->num_theory_atoms() > 0) {
+      // The engine has treated theory atoms as free Boolean variables: a
+      // model of the abstraction says nothing about the formula.
+      throw error("no theory solver is available for the atoms of the formula");
+    }
+    d_last_result = 1;
+    // (The model store is created here when model generation is on.)
+  } else {
+    d_last_result = 0;
+    record_unsat_mark();
+  }
+  return d_last_result;
+}
+
+}  // namespace zenlo
