@@ -8,6 +8,7 @@
 #include "api/logger.h"
 #include "api/terminationtest.h"
 #include "dpll/dpllsolver.h"
+#include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/euf/eufsolverinterface.h"
 
@@ -90,7 +91,7 @@ void TheoryManager::set_termination_test(TerminationTest* test) {
   }
 }
 
-void TheoryManager::set_polarity_checker(const PolarityChecker* pc) {
+void TheoryManager::set_polarity_checker(PolarityChecker* pc) {
   d_polarity = pc;
   for (int i = 0; i < kNumSolvers; ++i) {
     if (enabled(i)) {
@@ -240,9 +241,11 @@ bool TheoryManager::should_filter(Lit lit) const {
   if (!d_config->pure_literal_filtering || d_polarity == nullptr) {
     return false;
   }
-  // The polarity checker's answer is read here once it exists; until then
-  // every literal passes, which is always sound.
-  return false;
+  // An atom that occurs only negatively never needs its positive meaning,
+  // and the other way round.
+  int polarity = (*d_polarity)(d_dpll->term_of(var(lit)));
+  return dpll::sign(lit) ? polarity == PolarityChecker::kPositive
+                         : polarity == PolarityChecker::kNegative;
 }
 
 void TheoryManager::do_assume(Lit lit, bool filter) {

@@ -168,7 +168,8 @@ class TheoryManager {
 
   void set_logger(Logger* logger);
   void set_termination_test(TerminationTest* test);
-  void set_polarity_checker(const PolarityChecker* pc);
+  // The checker also hears the literals of lemmas.
+  void set_polarity_checker(PolarityChecker* pc);
 
   const SolverCounters& counters(SolverIndex i) const {
     return d_counters[static_cast<int>(i)];
@@ -222,7 +223,7 @@ class TheoryManager {
   DpllSolver* d_dpll;
   Logger* d_logger;
   TerminationTest* d_termination = nullptr;
-  const PolarityChecker* d_polarity = nullptr;
+  PolarityChecker* d_polarity = nullptr;
 
   std::array<std::unique_ptr<TheorySolver>, kNumSolvers> d_solvers;
   std::array<uint8_t, kNumSolvers> d_enabled{};

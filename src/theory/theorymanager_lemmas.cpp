@@ -6,6 +6,7 @@
 
 #include "api/logger.h"
 #include "dpll/dpllsolver.h"
+#include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/euf/eufsolverinterface.h"
 #include "theory/theorymanager.h"
@@ -84,6 +85,9 @@ TheoryManager::Lit TheoryManager::lemma_lit(TheoryLit l,
                                             const TheoryLemma& lemma,
                                             Var dep) {
   d_in_lemma = has_flag(lemma.flags, LemmaFlag::LemmaAtoms);
+  if (d_polarity != nullptr) {
+    d_polarity->add_literal(l.atom(), l.negated());
+  }
   Var v = var_Undef;
   bool is_new = d_dpll->make_proxy(l.atom(), v);
   if (is_new) {
