@@ -464,6 +464,46 @@ TEST_F(EufBoolArgs, ArgumentsNamedEarlierReachEuf) {
 }
 
 // ---------------------------------------------------------------------------
+// Chains of equalities
+// ---------------------------------------------------------------------------
+
+// The diamond x0 .. x40, each step through y_i or z_i, with x0 != x40.
+// Without atoms for the steps x_i = x_i+1 every combination of paths is a
+// conflict of its own; transitivity lemmas bring those atoms in, and the
+// refutation needs few conflicts.
+TEST(EufChains, DiamondsNeedFewConflicts) {
+  const int n = 40;
+  TermManager tm;
+  const Type* u = tm.get_simple_type("U");
+  auto k = [&](const std::string& s) {
+    return tm.make_constant(tm.make_symbol(s, u));
+  };
+  Road road(tm);
+  TermList x;
+  for (int i = 0; i <= n; ++i) {
+    x.push_back(k("x" + std::to_string(i)));
+  }
+  // (y_i or z_i), y_i -> x_i = y_i & y_i = x_i+1, the same for z_i.
+  const Type* bt = tm.get_bool_type();
+  for (int i = 0; i < n; ++i) {
+    const Term_* by =
+        tm.make_constant(tm.make_symbol("by" + std::to_string(i), bt));
+    const Term_* bz =
+        tm.make_constant(tm.make_symbol("bz" + std::to_string(i), bt));
+    const Term_* y = k("y" + std::to_string(i));
+    const Term_* z = k("z" + std::to_string(i));
+    road.add({{by, false}, {bz, false}});
+    road.add({{by, true}, {tm.make_equal(x[i], y), false}});
+    road.add({{by, true}, {tm.make_equal(y, x[i + 1]), false}});
+    road.add({{bz, true}, {tm.make_equal(x[i], z), false}});
+    road.add({{bz, true}, {tm.make_equal(z, x[i + 1]), false}});
+  }
+  road.add({{tm.make_equal(x[0], x[n]), true}});
+  EXPECT_FALSE(road.engine->solve());
+  EXPECT_LT(road.engine->stats().conflicts, 5000u);
+}
+
+// ---------------------------------------------------------------------------
 // Terms of theories without a solver
 // ---------------------------------------------------------------------------
 

@@ -52,6 +52,8 @@ struct EqNode {
   // explanation that expanded the forest edge above this node.
   uint32_t mark;
   uint32_t explained;
+  // Position on the path being explained, valid while `mark` is current.
+  uint32_t path_pos;
 
   EqNode* root;
   // Circular list of the members of the class.
@@ -78,6 +80,9 @@ struct EqNode {
   // side in the class.
   DiseqCell* diseqs;
   EqWatch* watches;
+  // The told equality atoms with this very node as a side (not its class),
+  // linked through EqWatch::next_of_node.
+  EqWatch* atoms;
 
   bool is_term() const { return kind == NodeKind::Term; }
 
@@ -103,7 +108,9 @@ struct EqWatch {
   EqNode* self;
   EqNode* other;
   const Term_* atom;
+  EqNode* atom_node;
   EqWatch* next;
+  EqWatch* next_of_node;
 };
 
 }  // namespace euf

@@ -2,6 +2,8 @@
 // again is worth giving to the search as a clause: its argument equalities
 // become atoms that the search can decide and learn about, instead of
 // rediscovering the same congruence behind each conflict.
+#include <utility>
+
 #include "terms/termmanager.h"
 #include "theory/euf/eufsolverinterface.h"
 
@@ -17,8 +19,9 @@ const Term_* ordered_equal(TermManager& tm, const Term_* a, const Term_* b) {
 
 }  // namespace
 
-// Counts the congruences of the conflict just explained; a pair becomes a
-// lemma exactly when its count reaches the threshold.
+// Counts the congruences (and chains of equalities) of the conflict just
+// explained; a pair becomes a lemma exactly when its count reaches the
+// threshold.
 void EufSolverInterface::enqueue_dyn_ack_lemmas() {
   const uint64_t limit = static_cast<uint64_t>(d_config->dyn_ack_limit);
   if (limit > 0 && d_dyn_ack_live >= limit) {
@@ -26,19 +29,30 @@ void EufSolverInterface::enqueue_dyn_ack_lemmas() {
   }
   const bool all = d_config->dyn_ack >= 2;
   for (const euf::Solver::UsedCongruence& u : d_solver.used_congruences()) {
-    if (!all && !u.top_level) {
+    if ((all || u.top_level) && dyn_ack_symbol_ok(u.a)) {
+      count_dyn_ack_use(DynAckLemma{u.a, u.b, nullptr, tlit_Undef, tlit_Undef});
+    }
+  }
+  for (const euf::Solver::UsedChain& c : d_solver.used_chains()) {
+    if (c.a == c.c) {
       continue;
     }
-    uint64_t key = pair_key(u.a, u.b);
-    if (d_dyn_ack_done.contains(key)) {
-      continue;
+    DynAckLemma l{c.a, c.c, c.b, c.ab, c.bc};
+    if (l.a->get_id() > l.b->get_id()) {
+      std::swap(l.a, l.b);
     }
-    uint32_t& hits = d_dyn_ack_hits[key];
-    ++hits;
-    if (hits == static_cast<uint32_t>(d_config->dyn_ack_threshold)
-        && dyn_ack_symbol_ok(u.a)) {
-      d_dyn_ack_queue.push_back(DynAckLemma{u.a, u.b});
-    }
+    count_dyn_ack_use(l);
+  }
+}
+
+void EufSolverInterface::count_dyn_ack_use(const DynAckLemma& l) {
+  uint64_t key = key_of(l);
+  if (d_dyn_ack_done.contains(key)) {
+    return;
+  }
+  uint32_t& hits = d_dyn_ack_hits[key];
+  if (++hits == static_cast<uint32_t>(d_config->dyn_ack_threshold)) {
+    d_dyn_ack_queue.push_back(l);
   }
 }
 
@@ -62,14 +76,14 @@ bool EufSolverInterface::dyn_ack_symbol_ok(const Term_* t) const {
 bool EufSolverInterface::prepare_dyn_ack_lemma() {
   DynAckLemma pair = d_dyn_ack_queue.front();
   d_dyn_ack_queue.pop_front();
-  if (d_dyn_ack_done.contains(pair_key(pair.a, pair.b))) {
+  if (d_dyn_ack_done.contains(key_of(pair))) {
     return false;
   }
   if (!make_dyn_ack_lemma(pair)) {
     return false;
   }
-  d_dyn_ack_done.insert(pair_key(pair.a, pair.b));
-  d_dyn_ack_done.insert(pair_key(pair.b, pair.a));
+  d_dyn_ack_done.insert(key_of(pair));
+  d_dyn_ack_done.insert(reverse_key_of(pair));
   const uint64_t limit = static_cast<uint64_t>(d_config->dyn_ack_limit);
   if (limit > 0 && d_dyn_ack_live >= limit) {
     d_dyn_ack_queue.clear();
@@ -82,6 +96,16 @@ bool EufSolverInterface::prepare_dyn_ack_lemma() {
 // and for a Bool-valued f the two clauses
 //   a1 != b1 or ... or not t1 or t2,   a1 != b1 or ... or not t2 or t1.
 bool EufSolverInterface::make_dyn_ack_lemma(const DynAckLemma& pair) {
+  if (pair.mid != nullptr) {
+    // not (a = b) or not (b = c) or a = c
+    const Term_* ac = ordered_equal(*d_tm, pair.a, pair.b);
+    if (ac == d_tm->make_true() || ac == d_tm->make_false()) {
+      return false;
+    }
+    d_ready.push_back(
+        ReadyLemma{{~pair.ab, ~pair.bc, TheoryLit(ac)}, new_dyn_ack_id(pair)});
+    return true;
+  }
   const Term_* t1 = pair.a;
   const Term_* t2 = pair.b;
   std::vector<TheoryLit> clause;
@@ -138,9 +162,9 @@ void EufSolverInterface::retract_lemma(void* data) {
   if (pair == nullptr) {
     throw error("unknown dynamic ackermann lemma " + std::to_string(id));
   }
-  d_dyn_ack_done.erase(pair_key(pair->a, pair->b));
-  d_dyn_ack_done.erase(pair_key(pair->b, pair->a));
-  d_dyn_ack_hits.erase(pair_key(pair->a, pair->b));
+  d_dyn_ack_done.erase(key_of(*pair));
+  d_dyn_ack_done.erase(reverse_key_of(*pair));
+  d_dyn_ack_hits.erase(key_of(*pair));
   d_dyn_ack_ids.erase(id);
   d_dyn_ack_free.push_back(id);
   --d_dyn_ack_live;

@@ -101,10 +101,13 @@ EqNode* Solver::node_of(const Term_* t) {
 // f(a1..an) is cons(sym f, cons(a1, ... cons(an, nil))), built right to
 // left so that argument lists shared by applications are shared cells.
 // A term-if is a constant of its own: its branches are not congruence
-// arguments (the if-then-else is decided by the search).
+// arguments (the if-then-else is decided by the search). So is an
+// equality atom: its value follows from its sides through the watches,
+// and congruence between equality atoms would only repeat that, at the
+// price of a merge for every pair of atoms over merged sides.
 EqNode* Solver::build_term_node(const Term_* t) {
   EqNode* list = &d_nil;
-  if (d_tm->get_tag(t->get_symbol()) != SymbolTag::ITE) {
+  if (!is_opaque(t)) {
     for (size_t i = t->get_arity(); i-- > 0;) {
       list = cons(node_or_null(t->get_child(i)), list, nullptr);
     }
@@ -120,11 +123,15 @@ void Solver::take_new_terms(std::vector<const Term_*>& out) {
   d_new_terms.clear();
 }
 
+bool Solver::is_opaque(const Term_* t) const {
+  SymbolTag::tag tag = d_tm->get_tag(t->get_symbol());
+  return tag == SymbolTag::ITE || tag == SymbolTag::EQ;
+}
+
 EqNode* Solver::symbol_node(const Term_* t) {
   const Symbol* s = t->get_symbol();
-  int64_t key = d_tm->get_tag(s) == SymbolTag::ITE
-                    ? -static_cast<int64_t>(t->get_id())
-                    : static_cast<int64_t>(s->get_id());
+  int64_t key = is_opaque(t) ? -static_cast<int64_t>(t->get_id())
+                             : static_cast<int64_t>(s->get_id());
   if (EqNode** n = d_symbol_nodes.get(key)) {
     return *n;
   }
@@ -241,8 +248,10 @@ void Solver::tell_atom(const Term_* atom) {
     EqNode* b = node_or_null(atom->get_child(1));
     auto* wa = static_cast<EqWatch*>(d_watch_pool.allocate());
     auto* wb = static_cast<EqWatch*>(d_watch_pool.allocate());
-    *wa = EqWatch{a, b, atom, nullptr};
-    *wb = EqWatch{b, a, atom, nullptr};
+    *wa = EqWatch{a, b, atom, n, nullptr, a->atoms};
+    *wb = EqWatch{b, a, atom, n, nullptr, b->atoms};
+    a->atoms = wa;
+    b->atoms = wb;
     add_watch(wa);
     add_watch(wb);
     cell.b = wa;
@@ -359,10 +368,14 @@ void Solver::get_implied_reason(TheoryLit lit, std::vector<TheoryLit>& out) {
   end_explanation(out);
 }
 
+// A conflict may name any literal that holds now, so it takes shortcuts
+// over asserted equalities that an implication could not use.
 void Solver::get_conflict(std::vector<TheoryLit>& out) {
   ++d_stats.conflicts;
   begin_explanation();
+  d_shortcuts = true;
   explain_reason(d_conflict);
+  d_shortcuts = false;
   end_explanation(out);
 }
 

@@ -68,6 +68,15 @@ class Solver {
     bool top_level;
   };
 
+  // Two asserted equalities a = b and b = c that an explanation chained.
+  struct UsedChain {
+    const Term_* a;
+    const Term_* b;
+    const Term_* c;
+    TheoryLit ab;
+    TheoryLit bc;
+  };
+
   explicit Solver(TermManager* tm);
   ~Solver();
   Solver(const Solver&) = delete;
@@ -156,6 +165,12 @@ class Solver {
   const std::vector<UsedCongruence>& used_congruences() const {
     return d_used_congruences;
   }
+
+  // With recording on, explanations list the pairs of asserted equalities
+  // that they chain by transitivity.
+  void set_record_chains(bool on) { d_record_chains = on; }
+
+  const std::vector<UsedChain>& used_chains() const { return d_used_chains; }
 
   // ---- Classes -------------------------------------------------------------
 
@@ -253,6 +268,7 @@ class Solver {
   EqNode* node_of(const Term_* t);
   EqNode* build_term_node(const Term_* t);
   EqNode* symbol_node(const Term_* t);
+  bool is_opaque(const Term_* t) const;
   EqNode* cons(EqNode* left, EqNode* right, const Term_* term);
   EqNode* new_node(EqNode::NodeKind kind, const Term_* term);
   bool is_value_term(const Term_* t) const;
@@ -291,6 +307,11 @@ class Solver {
   void run_explanation();
   EqNode* forest_ancestor(EqNode* a, EqNode* b);
   void explain_path(EqNode* from, EqNode* to, uint32_t depth);
+  void collect_path(EqNode* a, EqNode* b, EqNode* top);
+  void record_chains();
+  void explain_path_with_shortcuts(uint32_t depth);
+  void explain_edge(EqNode* child, uint32_t depth);
+  bool is_equality_edge(const EqNode* child) const;
   void explain_congruence(EqNode* n, uint32_t depth);
   void explain_reason(const Reason& r);
   void end_explanation(std::vector<TheoryLit>& out);
@@ -356,6 +377,13 @@ class Solver {
   uint32_t d_mark_stamp = 0;
   bool d_record_congruences = false;
   std::vector<UsedCongruence> d_used_congruences;
+  bool d_record_chains = false;
+  std::vector<UsedChain> d_used_chains;
+  // The path being explained, a .. top .. b, and the number of its nodes
+  // on a's side below top.
+  std::vector<EqNode*> d_path;
+  size_t d_path_up = 0;
+  bool d_shortcuts = false;
 
   std::vector<const Term_*> d_build_stack;
   bool d_report_new_terms = false;

@@ -130,6 +130,7 @@ void Solver::undo_tell(const UndoCell& c) {
       continue;
     }
     auto* w = static_cast<EqWatch*>(p);
+    w->self->atoms = w->next_of_node;
     EqNode* r = w->self->root;
     unlink_behind_head(r->watches, w, &EqWatch::next);
     --r->watch_count;

@@ -15,6 +15,7 @@ EufSolverInterface::EufSolverInterface(const Configuration::Theory::Euf* config,
   d_solver.set_backtrack_keep_told(true);
   d_solver.set_report_new_terms(true);
   d_solver.set_record_congruences(d_config->dyn_ack > 0);
+  d_solver.set_record_chains(d_config->transitivity_lemmas);
 }
 
 EufSolverInterface::~EufSolverInterface() {
@@ -198,7 +199,7 @@ void EufSolverInterface::get_conflict(std::vector<TheoryLit>& out) {
   ++d_counters.conflicts;
   size_t start = out.size();
   d_solver.get_conflict(out);
-  if (d_config->dyn_ack > 0) {
+  if (d_config->dyn_ack > 0 || d_config->transitivity_lemmas) {
     enqueue_dyn_ack_lemmas();
   }
   if (!d_teqs.empty()) {
@@ -351,7 +352,7 @@ TheorySolver::Stats EufSolverInterface::get_stats() const {
       {"merges", std::to_string(s.merges)},
       {"congruences", std::to_string(s.congruences)},
       {"deductions", std::to_string(s.deductions)},
-      {"explanations", std::to_string(s.explanations)},
+      {"closure explanations", std::to_string(s.explanations)},
       {"num atoms retold", std::to_string(s.atoms_retold)},
       {"boolean argument definitions", std::to_string(d_counters.definitions)},
       {"dynamic ackermann lemmas generated",

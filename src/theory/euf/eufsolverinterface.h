@@ -8,6 +8,11 @@
 // - dynamic Ackermann lemmas (theory.euf.dyn_ack): when a congruence
 //   between f(a1..an) and f(b1..bn) keeps appearing in conflicts, the
 //   clause a1 != b1 or ... or f(a) = f(b) gives the search its atoms;
+// - transitivity lemmas (theory.euf.transitivity_lemmas): likewise for
+//   a = b and b = c chained in conflicts, a != b or b != c or a = c.
+//   Conflicts then take the shortcut a = c where it holds, so that on
+//   chains of equalities (diamonds) the search learns clauses over the
+//   shortcuts instead of one clause per combination of paths;
 // - definitions of Boolean arguments: an argument p of Bool type in f(p)
 //   is sound only if p's node sits in the class of `true` or `false`. The
 //   interface asks the manager for the truth value of every such argument
@@ -119,9 +124,14 @@ class EufSolverInterface : public TheorySolver {
   const TermList* get_model_congruence_class(const Term_* term) const;
 
  private:
+  // f(..) = f(..) for a congruence (mid null); a = c from a = b, b = c for
+  // a chain.
   struct DynAckLemma {
     const Term_* a;
     const Term_* b;
+    const Term_* mid = nullptr;
+    TheoryLit ab;
+    TheoryLit bc;
   };
 
   // A dynamic Ackermann clause made and not yet handed out.
@@ -143,6 +153,18 @@ class EufSolverInterface : public TheorySolver {
   static uint64_t pair_key(const Term_* a, const Term_* b) {
     return (a->get_id() << 32) ^ b->get_id();
   }
+
+  // Chains count apart from congruences.
+  static uint64_t key_of(const DynAckLemma& l) {
+    uint64_t k = pair_key(l.a, l.b);
+    return l.mid == nullptr ? k : k ^ (uint64_t(1) << 63);
+  }
+
+  static uint64_t reverse_key_of(const DynAckLemma& l) {
+    return key_of(DynAckLemma{l.b, l.a, l.mid, l.ab, l.bc});
+  }
+
+  void count_dyn_ack_use(const DynAckLemma& l);
 
   // ---- Boolean arguments (eufboolargs.cpp) ---------------------------------
   void add_definition(const Term_* t);
