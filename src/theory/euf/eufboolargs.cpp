@@ -57,7 +57,7 @@ TheoryLit EufSolverInterface::bool_lit(const Term_* t) const {
 //   or xs:   (p -xi) for each i, (-p x1 ... xn)
 //   iff x y: (-p -x y) (-p x -y) (p x y) (p -x -y)
 void EufSolverInterface::add_definition(const Term_* t) {
-  ++d_counters.definitions;
+  ++d_counters.lemma(LemmaKind::Definition);
   TheoryLit p = bool_lit(t);
   std::vector<TheoryLit> xs;
   for (const Term_* c : *t) {

@@ -148,7 +148,8 @@ uint32_t EufSolverInterface::new_dyn_ack_id(const DynAckLemma& pair) {
   }
   d_dyn_ack_ids.insert(id, pair);
   ++d_dyn_ack_live;
-  ++d_counters.dyn_ack_generated;
+  ++d_counters.lemma(pair.mid == nullptr ? LemmaKind::Congruence
+                                         : LemmaKind::Transitivity);
   return id;
 }
 

@@ -348,15 +348,20 @@ bool EufSolverInterface::is_alien(const Term_* term, bool nonlinear_ok) {
 
 TheorySolver::Stats EufSolverInterface::get_stats() const {
   const euf::Solver::Stats& s = d_solver.stats();
+  const Counters& c = d_counters;
   return {
       {"merges", std::to_string(s.merges)},
       {"congruences", std::to_string(s.congruences)},
       {"deductions", std::to_string(s.deductions)},
       {"closure explanations", std::to_string(s.explanations)},
       {"num atoms retold", std::to_string(s.atoms_retold)},
-      {"boolean argument definitions", std::to_string(d_counters.definitions)},
+      {"boolean argument definitions",
+       std::to_string(c.lemma(LemmaKind::Definition))},
       {"dynamic ackermann lemmas generated",
-       std::to_string(d_counters.dyn_ack_generated)},
+       std::to_string(c.lemma(LemmaKind::Congruence)
+                      + c.lemma(LemmaKind::Transitivity))},
+      {"transitivity lemmas generated",
+       std::to_string(c.lemma(LemmaKind::Transitivity))},
       {"dynamic ackermann lemmas deleted",
        std::to_string(d_counters.dyn_ack_deleted)},
   };

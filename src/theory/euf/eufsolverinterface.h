@@ -207,13 +207,19 @@ class EufSolverInterface : public TheorySolver {
   std::vector<TheoryLit> d_reasons;
   std::vector<TheoryLit> d_scratch;
 
+  // The lemmas this solver gives, each with its counter.
+  enum class LemmaKind { Definition, Congruence, Transitivity, Count };
+
   struct Counters {
     uint64_t checks = 0;
     uint64_t conflicts = 0;
     uint64_t implications = 0;
-    uint64_t dyn_ack_generated = 0;
+    uint64_t lemmas[static_cast<int>(LemmaKind::Count)] = {};
     uint64_t dyn_ack_deleted = 0;
-    uint64_t definitions = 0;
+
+    uint64_t& lemma(LemmaKind k) { return lemmas[static_cast<int>(k)]; }
+
+    uint64_t lemma(LemmaKind k) const { return lemmas[static_cast<int>(k)]; }
   } d_counters;
 };
 
