@@ -376,6 +376,11 @@ TEST_F(EufTest, RetractedAtomsLoseTheirNodesOthersStay) {
   EXPECT_FALSE(s.has_node(app(f, {a})));
   EXPECT_TRUE(s.has_node(first.atom()));
   EXPECT_TRUE(assert_all(s, {first}));
+  // An inconsistency older than the retracted atom stays.
+  ASSERT_FALSE(assert_all(s, {~first}));
+  s.tell_atom(second.atom());
+  s.retract_atom(second.atom());
+  EXPECT_FALSE(s.check());
 }
 
 // ---------------------------------------------------------------------------

@@ -230,15 +230,16 @@ class Solver {
   };
 
   enum class UndoKind : uint8_t {
-    Start,    // a: atom term; marks where its nodes begin
-    Symbol,   // a: symbol node
-    Cons,     // a: cons node
-    Tell,     // a: atom node, b/c: watches, flag: told before
-    Merge,    // a: winner, b: loser, c: list walked, flag: ids swapped
-    Canon,    // a: cons node whose canonical cons was set
-    Neq,      // a, b: the two disequality cells
-    Proof,    // a, b: the two ends of a forest edge
-    Implied,  // a: atom term whose reason was stored
+    Start,     // a: atom term; marks where its nodes begin
+    Conflict,  // the solver became inconsistent
+    Symbol,    // a: symbol node
+    Cons,      // a: cons node
+    Tell,      // a: atom node, b/c: watches, flag: told before
+    Merge,     // a: winner, b: loser, c: list walked, flag: ids swapped
+    Canon,     // a: cons node whose canonical cons was set
+    Neq,       // a, b: the two disequality cells
+    Proof,     // a, b: the two ends of a forest edge
+    Implied,   // a: atom term whose reason was stored
   };
 
   struct UndoCell {
@@ -288,6 +289,7 @@ class Solver {
   // ---- Asserting (eufsolver_merge.cpp) -------------------------------------
   void assert_eq(EqNode* a, EqNode* b, TheoryLit hyp);
   void assert_neq(EqNode* a, EqNode* b, TheoryLit hyp);
+  void become_inconsistent();
   bool unmergeable(EqNode* x, EqNode* y);
   void link_forest(EqNode* x, EqNode* y, TheoryLit label);
   void reroot_forest(EqNode* n);

@@ -49,7 +49,7 @@ void Solver::assert_eq(EqNode* a, EqNode* b, TheoryLit hyp) {
     // The merge is carried out even when it is inconsistent, so that the
     // forest holds the path that explains the conflict.
     if (unmergeable(x, y)) {
-      d_consistent = false;
+      become_inconsistent();
     }
     if (x->is_term()) {
       link_forest(x, y, label);
@@ -61,6 +61,13 @@ void Solver::assert_eq(EqNode* a, EqNode* b, TheoryLit hyp) {
       return;
     }
   }
+}
+
+// Inconsistency is a state change like any other: undoing its cell, and
+// nothing else, makes the solver consistent again.
+void Solver::become_inconsistent() {
+  d_consistent = false;
+  push_undo(UndoKind::Conflict, nullptr);
 }
 
 // Two classes must not merge when both hold values, or a disequality
@@ -211,7 +218,7 @@ void Solver::assert_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
   EqNode* ra = a->root;
   EqNode* rb = b->root;
   if (ra == rb) {
-    d_consistent = false;
+    become_inconsistent();
     d_conflict = Reason{a, b, nullptr, nullptr, hyp};
     return;
   }

@@ -45,7 +45,6 @@ void Solver::backtrack(int n) {
 }
 
 void Solver::after_backtrack() {
-  d_consistent = true;
   d_pending.clear();
   d_implied.clear();
   d_implied_head = 0;
@@ -73,6 +72,7 @@ void Solver::retell() {
 void Solver::undo(const UndoCell& c) {
   switch (c.kind) {
     case UndoKind::Start: break;
+    case UndoKind::Conflict: d_consistent = true; break;
     case UndoKind::Symbol: {
       auto* n = static_cast<EqNode*>(c.a);
       d_symbol_nodes.erase(
