@@ -626,6 +626,105 @@ ZENLO_API zenlo_term zenlo_apply_substitution(zenlo_env e,
                                               zenlo_term* values);
 
 /* ------------------------------------------------------------------------
+ * Parsing and printing
+ *
+ * The readers take SMT-LIB 2 text over the environment's symbols: what a
+ * script declares enters the environment, and symbols declared before
+ * (through the interface or an earlier script) may be used without being
+ * declared again. On bad text they fail with a message that ends with
+ * " (line: N)". Queries in a script (check-sat, get-model, ...) are read
+ * and ignored; push, pop and the objective commands are refused.
+ *
+ * Strings returned by the printers are released with zenlo_free. The
+ * arrays of names and attribute strings returned by the readers are single
+ * blocks: one zenlo_free releases an array with all of its strings.
+ * ---------------------------------------------------------------------- */
+
+/* The conjunction of the assertions of a script: the formula itself for
+ * one assertion, `true` for none. */
+ZENLO_API zenlo_term zenlo_from_smtlib2(zenlo_env e, const char* data);
+ZENLO_API zenlo_term zenlo_from_smtlib2_file(zenlo_env e, FILE* f);
+/* One term, such as "(and a (< x 3))", or else a whole script as
+ * zenlo_from_smtlib2 reads it. */
+ZENLO_API zenlo_term zenlo_from_string(zenlo_env e, const char* data);
+/* SMT-LIB 1 is not supported yet: these fail with that message. */
+ZENLO_API zenlo_term zenlo_from_smtlib1(zenlo_env e, const char* data);
+ZENLO_API zenlo_term zenlo_from_smtlib1_file(zenlo_env e, FILE* f);
+
+/* The terms a script names with :named, in the order of the script: *n
+ * terms in *terms_out and their names in *names_out. Returns 0, or -1 with
+ * nothing allocated. */
+ZENLO_API int zenlo_named_list_from_smtlib2(zenlo_env e,
+                                            const char* data,
+                                            size_t* n,
+                                            char*** names_out,
+                                            zenlo_term** terms_out);
+ZENLO_API int zenlo_named_list_from_smtlib2_file(
+    zenlo_env e, FILE* f, size_t* n, char*** names_out, zenlo_term** terms_out);
+/* A script asserting each formula under its name: (assert (! f :named n)).
+ */
+ZENLO_API char* zenlo_named_list_to_smtlib2(zenlo_env e,
+                                            size_t n,
+                                            char** names,
+                                            zenlo_term* terms);
+ZENLO_API int zenlo_named_list_to_smtlib2_file(
+    zenlo_env e, size_t n, char** names, zenlo_term* terms, FILE* out);
+
+/* The terms a script annotates with (! t :key value ...), by increasing
+ * term id: *n terms in *terms_out; term i has (*counts_out)[i] attributes,
+ * whose keys (with their colon) and values (source text, "" for none)
+ * follow each other in *annots_out. Returns 0, or -1. */
+ZENLO_API int zenlo_annotated_list_from_smtlib2(zenlo_env e,
+                                                const char* data,
+                                                size_t* n,
+                                                zenlo_term** terms_out,
+                                                size_t** counts_out,
+                                                char*** annots_out);
+ZENLO_API int zenlo_annotated_list_from_smtlib2_file(zenlo_env e,
+                                                     FILE* f,
+                                                     size_t* n,
+                                                     zenlo_term** terms_out,
+                                                     size_t** counts_out,
+                                                     char*** annots_out);
+/* A script asserting each formula with its attributes, given as above. */
+ZENLO_API char* zenlo_annotated_list_to_smtlib2(
+    zenlo_env e, size_t n, zenlo_term* terms, size_t* counts, char** annots);
+ZENLO_API int zenlo_annotated_list_to_smtlib2_file(zenlo_env e,
+                                                   size_t n,
+                                                   zenlo_term* terms,
+                                                   size_t* counts,
+                                                   char** annots,
+                                                   FILE* out);
+
+/* A script asserting `formula`, with the declarations it needs and its
+ * shared subterms defined once by let. */
+ZENLO_API char* zenlo_to_smtlib2(zenlo_env e, zenlo_term formula);
+ZENLO_API int zenlo_to_smtlib2_file(zenlo_env e, zenlo_term formula, FILE* out);
+/* The same with a :named name for the formula and a logic for set-logic
+ * (either may be NULL), and define-fun lines instead of let when
+ * use_defines is nonzero. */
+ZENLO_API char* zenlo_to_smtlib2_ext(zenlo_env e,
+                                     zenlo_term formula,
+                                     const char* name,
+                                     const char* logic,
+                                     int use_defines);
+ZENLO_API int zenlo_to_smtlib2_ext_file(zenlo_env e,
+                                        zenlo_term formula,
+                                        const char* name,
+                                        const char* logic,
+                                        int use_defines,
+                                        FILE* out);
+/* One term on one line, shared subterms by let, no declarations. */
+ZENLO_API char* zenlo_to_smtlib2_term(zenlo_env e, zenlo_term t);
+ZENLO_API char* zenlo_to_smtlib1(zenlo_env e, zenlo_term formula);
+ZENLO_API int zenlo_to_smtlib1_file(zenlo_env e, zenlo_term formula, FILE* out);
+
+/* Nonzero: the SMT-LIB 2 and S-expression readers trace what they read
+ * on standard error. */
+ZENLO_API extern int zenlo_smtlib2_parser_debug;
+ZENLO_API extern int zenlo_sexp_parser_debug;
+
+/* ------------------------------------------------------------------------
  * Assert and solve
  * ---------------------------------------------------------------------- */
 

@@ -6,6 +6,8 @@
 
 #include <gmp.h>
 
+#include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -63,6 +65,39 @@ inline QNumber number_of(const mpz_t z) {
   QNumber n(z, one);
   mpz_clear(one);
   return n;
+}
+
+// Strings as one block: the pointer array followed by the characters, so
+// the caller releases all of it with one zenlo_free.
+inline char** alloc_string_block(const std::vector<std::string>& strings) {
+  size_t bytes = strings.size() * sizeof(char*);
+  for (const std::string& s : strings) {
+    bytes += s.size() + 1;
+  }
+  char** block = static_cast<char**>(alloc(bytes));
+  char* text = reinterpret_cast<char*>(block + strings.size());
+  for (size_t i = 0; i < strings.size(); ++i) {
+    block[i] = text;
+    std::memcpy(text, strings[i].c_str(), strings[i].size() + 1);
+    text += strings[i].size() + 1;
+  }
+  return block;
+}
+
+inline zenlo_term* alloc_terms(const TermList& terms) {
+  zenlo_term* out =
+      static_cast<zenlo_term*>(alloc(terms.size() * sizeof(zenlo_term)));
+  for (size_t i = 0; i < terms.size(); ++i) {
+    out[i] = wrap(terms[i]);
+  }
+  return out;
+}
+
+inline std::FILE* file_of(std::FILE* f) {
+  if (f == nullptr) {
+    throw invalid_handle("file");
+  }
+  return f;
 }
 
 inline Environment& env_of(zenlo_env e) {

@@ -7,11 +7,13 @@
 
 #include "api/terminationtest.h"
 #include "dpll/dpllsolver.h"
+#include "frontend/smtlib2io.h"
 #include "preprocess/cnfgenerator.h"
 #include "preprocess/constraintencoder.h"
 #include "preprocess/dpllclausesink.h"
 #include "preprocess/polaritychecker.h"
 #include "preprocess/tseitincnfgenerator.h"
+#include "terms/stdtermsimplifier.h"
 #include "theory/theorymanager.h"
 
 namespace zenlo {
@@ -65,12 +67,11 @@ Environment::Environment(const Configuration& config)
   d_tm = new TermManager();
   d_owns_tm = true;
   d_config = config;
-  // The standard simplifier is installed here once it exists; until then
-  // the store builds terms as they are given, whatever
-  // `term_simplifications` says.
-  d_tm->set_forbid_bool_args(!d_config.allow_bool_function_args);
   configure_logger();
   try {
+    renew_simplifier();
+    d_tm->enable_simplifications(d_config.term_simplifications);
+    d_tm->set_forbid_bool_args(!d_config.allow_bool_function_args);
     init();
   } catch (...) {
     do_reset();
@@ -113,6 +114,18 @@ void Environment::destroy_owned_store() {
     d_simplifier = nullptr;
     d_tm = nullptr;
   }
+}
+
+void Environment::renew_simplifier() {
+  if (!d_owns_tm) {
+    return;  // the owner of the store keeps its simplifier
+  }
+  std::unique_ptr<StdTermSimplifier> fresh =
+      std::make_unique<StdTermSimplifier>(d_tm);
+  fresh->set_logger(&d_logger);
+  d_tm->set_simplifier(fresh.get());
+  delete d_simplifier;
+  d_simplifier = fresh.release();
 }
 
 void Environment::configure_logger() {
@@ -298,6 +311,10 @@ const Term_* Environment::apply_substitution(const Term_* term,
                                              const Term_* const* to,
                                              size_t n) {
   return d_tm->substitute(term, from, to, n, true);
+}
+
+const Term_* Environment::from_smt2(const std::string& text) {
+  return read_smtlib2_string(*d_tm, text);
 }
 
 }  // namespace zenlo

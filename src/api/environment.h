@@ -47,6 +47,7 @@ class ConstraintEncoder;
 class DpllClauseSink;
 class DpllSolver;
 class PolarityChecker;
+class StdTermSimplifier;
 class TerminationTest;
 class TheoryManager;
 
@@ -57,8 +58,10 @@ class Environment {
   using Stats = std::vector<std::pair<std::string, std::string>>;
 
   // An environment with its own term store.
-  // - After: the term store exists with type checking on and Bool function
-  //   arguments forbidden unless `allow_bool_function_args`; the logger
+  // - After: the term store exists with type checking on, the standard
+  //   simplifier installed (and on unless `debug.term_simplifications` is
+  //   false), and Bool function arguments forbidden unless
+  //   `allow_bool_function_args`; the logger
   //   writes to standard output at the configured verbosity; init() ran.
   // - Throws: Exception when the settings cannot be combined (the engine
   //   refuses them); nothing is left behind.
@@ -164,6 +167,21 @@ class Environment {
 
   const DpllClauseSink* get_clause_sink() const { return d_clause_sink.get(); }
 
+  // Returns: the construction-time simplifier of the owned term store, or
+  //   null in a shared environment.
+  StdTermSimplifier* get_simplifier() const { return d_simplifier; }
+
+  // Replaces the simplifier of the owned term store by a new one; after a
+  // collection of the store the old one's memo names dead terms.
+  // - Requires: this environment owns its term store.
+  // - After: the switch of simplifications is as it was.
+  void renew_simplifier();
+
+  // Reads SMT-LIB 2 text over this environment's symbols: one term, or a
+  // script, whose assertions are conjoined.
+  // - Throws: ParserInterface::error on bad text.
+  const Term_* from_smt2(const std::string& text);
+
   // Replaces from[i] by to[i] in `term`, all at once, with type checks.
   // - Throws: TermManager::error for unequal types.
   const Term_* apply_substitution(const Term_* term,
@@ -204,9 +222,9 @@ class Environment {
   TermManager* d_tm = nullptr;
   bool d_owns_tm = false;
 
-  // 3. The construction-time simplifier installed in an owned store. It
-  //    stays null until the standard simplifier exists.
-  TermSimplifier* d_simplifier = nullptr;
+  // 3. The construction-time simplifier installed in an owned store; null
+  //    in a shared environment.
+  StdTermSimplifier* d_simplifier = nullptr;
 
   // 4. The search engine. (An external engine hook and its interface slot
   //    in here.)

@@ -2,11 +2,16 @@
 // command-line front ends ask it for the formula, and for the logic and
 // the expected status that the input declares, without knowing the
 // language.
+//
+// A reader's failures are ParserInterface::error. Readers that know where
+// they are in the input (the SMT-LIB 2 reader) end the message with
+// " (line: N)" and keep the line beside it.
 #ifndef ZENLO_FRONTEND_PARSERINTERFACE_H
 #define ZENLO_FRONTEND_PARSERINTERFACE_H
 
 #include <istream>
 #include <string>
+#include <utility>
 
 #include "api/exception.h"
 
@@ -16,7 +21,14 @@ class Term_;
 
 class ParserInterface {
  public:
-  ZENLO_DECLARE_ERROR;
+  struct error : public Exception {
+    explicit error(std::string msg) : Exception(std::move(msg)) {}
+
+    error(std::string msg, int line) : Exception(std::move(msg)), line(line) {}
+
+    // The input line the message names, 0 when it names none.
+    int line = 0;
+  };
 
   // The expected answer that the input declares.
   enum class Status { Unknown = 0, Unsat = 1, Sat = 2 };
@@ -24,8 +36,8 @@ class ParserInterface {
   virtual ~ParserInterface() = default;
 
   // Reads the whole input.
-  // - Returns: the conjunction of the input's assertions, or null for an
-  //   input that asserts nothing.
+  // - Returns: the conjunction of the input's assertions; for an input
+  //   that asserts nothing, null or `true` (the SMT-LIB 2 reader).
   // - Throws: error for text that is not in the language.
   virtual const Term_* parse(std::istream& in) = 0;
 

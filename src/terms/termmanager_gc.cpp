@@ -129,6 +129,11 @@ void TermManager::gc(const TermList& root_terms,
     }
   }
   gc_prune_tables(marked, kept_syms, kept_types);
+  // Pointers and ids of dead terms are reused from here on: a simplifier's
+  // memo of them would answer for the wrong terms.
+  if (d_simplifier != nullptr) {
+    d_simplifier->clear_cache();
+  }
   d_bank.remove_unseen(marked);
   d_signature.gc(kept_syms);
   d_universe.gc(kept_types);

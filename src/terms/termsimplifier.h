@@ -18,6 +18,11 @@ class TermSimplifier {
   // Returns: a term equivalent to symbol(args), or null.
   // After: args may have been reordered; it is a scratch copy.
   virtual const Term_* operator()(const Symbol* symbol, TermList& args) = 0;
+
+  // Forgets whatever the simplifier remembers of particular terms. The
+  // store calls it when it collects garbage, since dead terms' pointers
+  // and ids are then reused.
+  virtual void clear_cache() {}
 };
 
 }  // namespace zenlo

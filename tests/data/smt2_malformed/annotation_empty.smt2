@@ -1,0 +1,2 @@
+; ERROR: syntax error, unexpected ')', expecting a keyword (line: 2)
+(assert (! true))

@@ -1,0 +1,3 @@
+; ERROR: unrecognized text: #xZZ (line: 3)
+(declare-fun v () (_ BitVec 8))
+(assert (= v #xZZ))

@@ -1,0 +1,2 @@
+; ERROR: unrecognized text: {true} (line: 2)
+(assert {true})

@@ -1,0 +1,2 @@
+; ERROR: unsupported command: declare-datatypes (line: 2)
+(declare-datatypes ((T 0)) (((a) (b))))

@@ -1,0 +1,2 @@
+; ERROR: syntax error, unexpected ')', expecting a term (line: 2)
+(assert (and))

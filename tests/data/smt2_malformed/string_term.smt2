@@ -1,0 +1,2 @@
+; ERROR: syntax error, unexpected string, expecting a term (line: 2)
+(assert "true")

@@ -1,0 +1,3 @@
+; ERROR: syntax error, unexpected ')', expecting '(' (line: 2)
+(assert true)))
+(check-sat)

@@ -1,0 +1,2 @@
+; ERROR: undeclared sort Foo (line: 2)
+(declare-fun x () Foo)

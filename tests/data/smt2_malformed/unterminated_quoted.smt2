@@ -1,0 +1,3 @@
+; ERROR: unterminated quoted symbol (line: 2)
+(declare-fun |abc () Int)
+(check-sat)

@@ -1,0 +1,3 @@
+; ERROR: unterminated string literal (line: 2)
+(echo "abc
+(check-sat)
