@@ -131,8 +131,21 @@ bool TheoryManager::is_non_theory(const Term_* term) const {
   }
 }
 
+TheoryManager::Var TheoryManager::var_of(const Term_* term) const {
+  size_t i = term->get_id();
+  return i < d_var_of_term.size() ? d_var_of_term[i] : var_Undef;
+}
+
 void TheoryManager::tell_atom(const Term_* term, Var v) {
   grow_var_tables(v);
+  if (term != nullptr) {
+    size_t i = term->get_id();
+    if (i >= d_var_of_term.size()) {
+      d_var_of_term.resize(std::max(i + 1, d_var_of_term.size() * 2),
+                           var_Undef);
+    }
+    d_var_of_term[i] = v;
+  }
   bool none = is_non_theory(term) && !d_bool_args.contains(term);
   d_non_theory[v] = none;
   d_listeners[v] = 0;
@@ -165,6 +178,9 @@ void TheoryManager::retract_atom(const Term_* term, Var v) {
   if (static_cast<size_t>(v) < d_non_theory.size()) {
     d_non_theory.resize(v);
     d_listeners.resize(v);
+  }
+  if (term != nullptr && var_of(term) == v) {
+    d_var_of_term[term->get_id()] = var_Undef;
   }
   d_lemma_atoms.erase(v);
 }
@@ -216,7 +232,7 @@ TheoryLit TheoryManager::theory_lit(Lit lit) const {
 }
 
 TheoryManager::Lit TheoryManager::search_lit(TheoryLit lit) const {
-  Var v = d_dpll->proxy_for_term(lit.atom());
+  Var v = var_of(lit.atom());
   if (v == var_Undef) {
     throw error("theory literal over an atom unknown to the search: "
                 + lit.atom()->to_str());
@@ -356,7 +372,7 @@ TheoryManager::Lit TheoryManager::get_next_implied() {
       ++d_cursor;
       continue;
     }
-    Var v = d_dpll->proxy_for_term(tl.atom());
+    Var v = var_of(tl.atom());
     if (v == var_Undef || d_dpll->value(v) != l_Undef) {
       continue;
     }

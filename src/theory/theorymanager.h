@@ -189,6 +189,7 @@ class TheoryManager {
   bool enabled(int i) const { return d_enabled[i] != 0; }
 
   void grow_var_tables(Var var);
+  Var var_of(const Term_* term) const;
   bool is_non_theory(const Term_* term) const;
   bool should_filter(Lit lit) const;
   bool run_check(int i, bool approx);
@@ -229,6 +230,10 @@ class TheoryManager {
   std::array<uint8_t, kNumSolvers> d_enabled{};
   std::array<SolverCounters, kNumSolvers> d_counters{};
   EufSolverInterface* d_euf = nullptr;
+
+  // The variable of each told atom, by term id: translating the literals
+  // of every implication and explanation must not cost a hash lookup.
+  std::vector<Var> d_var_of_term;
 
   // Per search variable.
   std::vector<uint8_t> d_non_theory;

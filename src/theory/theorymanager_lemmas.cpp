@@ -58,7 +58,7 @@ int TheoryManager::get_lemma(std::vector<Lit>& lits,
   Var dep = var_Undef;
   if (has_flag(lemma.flags, LemmaFlag::DecisionDependency)
       && lemma.dependency != nullptr) {
-    dep = d_dpll->proxy_for_term(lemma.dependency);
+    dep = var_of(lemma.dependency);
   }
   // Making a variable tells its atom, which may come back here for Boolean
   // arguments; the scratch vector must not be reused meanwhile.
@@ -234,7 +234,7 @@ void TheoryManager::handle_euf_requests() {
     const Term_* t = d_bool_requests.back();
     d_bool_requests.pop_back();
     d_bool_args.insert(t);
-    Var v = d_dpll->proxy_for_term(t);
+    Var v = var_of(t);
     if (v != var_Undef) {
       give_to_euf(v, t);
       continue;

@@ -270,6 +270,37 @@ TEST_F(EufTest, DeducesFalseEqualitiesFromDisequalities) {
   Lits why;
   s.get_implied_reason(~cd, why);
   EXPECT_EQ(sorted(why), sorted({eq(c, a), eq(d, b), ~eq(a, b)}));
+
+  // The same when the disequality comes first and merges follow, and when
+  // two values separate the classes.
+  auto implied_reason = [&](euf::Solver& t, TheoryLit l) {
+    TheoryLit m;
+    bool seen = false;
+    while (t.get_next_implied(m)) {
+      seen = seen || m == l;
+    }
+    Lits r;
+    if (seen) {
+      t.get_implied_reason(l, r);
+    }
+    return sorted(r);
+  };
+  euf::Solver t(&tm);
+  t.tell_atom(cd.atom());
+  ASSERT_TRUE(assert_all(t, {~eq(a, b), eq(c, a)}));
+  t.push_checkpoint();
+  ASSERT_TRUE(assert_all(t, {eq(d, b)}));
+  EXPECT_EQ(implied_reason(t, ~cd), sorted({eq(c, a), eq(d, b), ~eq(a, b)}));
+  euf::Solver v(&tm);
+  const Term_* x = constant("xi", tm.get_integer_type());
+  const Term_* y = constant("yi", tm.get_integer_type());
+  TheoryLit xy = eq(x, y);
+  v.tell_atom(xy.atom());
+  ASSERT_TRUE(assert_all(v, {eq(x, tm.make_number(1))}));
+  v.push_checkpoint();
+  ASSERT_TRUE(assert_all(v, {eq(y, tm.make_number(2))}));
+  EXPECT_EQ(implied_reason(v, ~xy),
+            sorted({eq(x, tm.make_number(1)), eq(y, tm.make_number(2))}));
 }
 
 TEST_F(EufTest, BooleanArgumentsFollowTheirTruthValues) {

@@ -54,6 +54,10 @@ struct EqNode {
   uint32_t explained;
   // Position on the path being explained, valid while `mark` is current.
   uint32_t path_pos;
+  // At a root: the disequality cell that separates it from the class being
+  // merged, valid while `diseq_stamp` is current.
+  uint32_t diseq_stamp;
+  DiseqCell* diseq_cell;
 
   EqNode* root;
   // Circular list of the members of the class.

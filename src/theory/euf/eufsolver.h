@@ -56,6 +56,7 @@ class Solver {
     uint64_t deductions = 0;
     uint64_t conflicts = 0;
     uint64_t explanations = 0;
+    uint64_t explained_literals = 0;
     uint64_t atoms_retold = 0;
   };
 
@@ -297,6 +298,15 @@ class Solver {
   void rehash_uses(EqNode* s, bool insert_only);
   void deduce_on_merge(EqNode* winner, EqNode* loser);
   void deduce_class_value(EqNode* cls, EqNode* value);
+  void deduce_separated(EqNode* cls, EqNode* sep);
+
+  // An atom in the class of `true` or `false` was asserted (or is being
+  // asserted): deducing it is no news.
+  bool has_value(const EqNode* atom_node) const {
+    return atom_node == d_asserting || atom_node->root == d_true_node
+           || atom_node->root == d_false_node;
+  }
+
   void deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp);
   void deduce_on_tell(EqNode* atom_node);
   DiseqCell* find_diseq(EqNode* ra, EqNode* rb) const;
@@ -377,6 +387,7 @@ class Solver {
   std::vector<TheoryLit> d_expl;
   uint32_t d_expl_stamp = 0;
   uint32_t d_mark_stamp = 0;
+  uint32_t d_diseq_stamp = 0;
   bool d_record_congruences = false;
   std::vector<UsedCongruence> d_used_congruences;
   bool d_record_chains = false;

@@ -239,6 +239,7 @@ void Solver::record_chains() {
 void Solver::end_explanation(std::vector<TheoryLit>& out) {
   std::sort(d_expl.begin(), d_expl.end());
   d_expl.erase(std::unique(d_expl.begin(), d_expl.end()), d_expl.end());
+  d_stats.explained_literals += d_expl.size();
   out.insert(out.end(), d_expl.begin(), d_expl.end());
 }
 

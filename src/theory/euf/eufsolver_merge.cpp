@@ -272,7 +272,7 @@ void Solver::deduce_on_merge(EqNode* w, EqNode* l) {
   if (EqWatch* first = shorter->watches) {
     EqWatch* x = first;
     do {
-      if (x->other->root == other) {
+      if (x->other->root == other && !has_value(x->atom_node)) {
         queue_implied(x->atom, true, Reason{x->self, x->other});
       }
       x = x->next;
@@ -281,6 +281,53 @@ void Solver::deduce_on_merge(EqNode* w, EqNode* l) {
   if (w == d_true_node || w == d_false_node) {
     deduce_class_value(l, w);
   }
+  // The joined class is separated from whatever either part was: equality
+  // atoms between one part and what the other part is separated from are
+  // false now.
+  if (l->watches != nullptr && (w->diseqs != nullptr || w->is_value)) {
+    deduce_separated(l, w);
+  }
+  if (w->watches != nullptr && l->diseqs != nullptr) {
+    deduce_separated(w, l);
+  }
+}
+
+// Equality atoms with a side in `cls` and the other in a class that `sep`
+// is separated from (by a disequality, or both holding values) are false.
+void Solver::deduce_separated(EqNode* cls, EqNode* sep) {
+  if (++d_diseq_stamp == 0) {
+    for (EqNode* n : d_term_nodes) {
+      if (n != nullptr) {
+        n->diseq_stamp = 0;
+      }
+    }
+    d_diseq_stamp = 1;
+  }
+  if (DiseqCell* first = sep->diseqs) {
+    DiseqCell* c = first;
+    do {
+      EqNode* r = c->other->root;
+      r->diseq_stamp = d_diseq_stamp;
+      r->diseq_cell = c;
+      c = c->next;
+    } while (c != first);
+  }
+  EqWatch* first = cls->watches;
+  EqWatch* x = first;
+  do {
+    EqNode* r = x->other->root;
+    if (has_value(x->atom_node)) {
+      // known already
+    } else if (r->diseq_stamp == d_diseq_stamp) {
+      DiseqCell* c = r->diseq_cell;
+      queue_implied(
+          x->atom, false, Reason{x->self, c->self, x->other, c->other, c->lit});
+    } else if (sep->is_value && r->is_value && r != sep) {
+      queue_implied(
+          x->atom, false, Reason{x->self, sep, x->other, r, tlit_Undef});
+    }
+    x = x->next;
+  } while (x != first);
 }
 
 void Solver::deduce_class_value(EqNode* cls, EqNode* value) {
@@ -306,7 +353,7 @@ void Solver::deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
   }
   EqWatch* x = first;
   do {
-    if (x->other->root == other && d_asserting != node_or_null(x->atom)) {
+    if (x->other->root == other && !has_value(x->atom_node)) {
       // Sides in the order of a and b.
       bool a_side = x->self->root == ra;
       EqNode* sa = a_side ? x->self : x->other;

@@ -354,6 +354,7 @@ TheorySolver::Stats EufSolverInterface::get_stats() const {
       {"congruences", std::to_string(s.congruences)},
       {"deductions", std::to_string(s.deductions)},
       {"closure explanations", std::to_string(s.explanations)},
+      {"closure explanation literals", std::to_string(s.explained_literals)},
       {"num atoms retold", std::to_string(s.atoms_retold)},
       {"boolean argument definitions",
        std::to_string(c.lemma(LemmaKind::Definition))},
