@@ -4,19 +4,22 @@
 //
 // Assertions are kept per scope; a check-sat sends the new ones to the
 // environment, and after a pop or a check-sat-assuming the environment
-// starts over from the assertions in force. Queries other than check-sat
-// (get-value, get-model, ...) are read and print nothing. An error prints
-// (error "...") and ends the run with status 1.
+// starts over from the assertions in force. A reset starts over with a new
+// environment and reader. Queries other than check-sat (get-value,
+// get-model, ...) are read and print nothing. An error prints (error "...")
+// and ends the run with status 1.
 //
 //   smt2_check FILE [-stats] [-name=value ...]
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "api/configurationsetter.h"
 #include "api/environment.h"
 #include "frontend/smtlib2parser.h"
+#include "frontend/smtlib2scanner.h"
 
 using namespace zenlo;
 
@@ -63,6 +66,14 @@ class CheckingScript : public SmtLib2Parser {
     d_restart = true;
   }
 
+  void exit() override { d_exit = true; }
+
+  void reset() override { d_reset = true; }
+
+  bool exit_requested() const { return d_exit; }
+
+  bool reset_requested() const { return d_reset; }
+
   void generic_command(const std::string&) override {}
 
   void generic_command(const std::string&,
@@ -95,6 +106,8 @@ class CheckingScript : public SmtLib2Parser {
   size_t d_sent = 0;
   bool d_restart = false;
   bool d_stats;
+  bool d_exit = false;
+  bool d_reset = false;
 };
 
 std::string quoted(const std::string& s) {
@@ -135,9 +148,16 @@ int main(int argc, char** argv) {
       setter.set_option(opt.substr(1, eq - 1), opt.substr(eq + 1));
     }
     setter.update_config(config);
-    Environment env(config);
-    CheckingScript script(env, stats);
-    script.parse_list(in);
+    SmtLib2Scanner scanner(in);
+    auto env = std::make_unique<Environment>(config);
+    auto script = std::make_unique<CheckingScript>(*env, stats);
+    while (script->parse_command(scanner) && !script->exit_requested()) {
+      if (script->reset_requested()) {
+        script.reset();
+        env = std::make_unique<Environment>(config);
+        script = std::make_unique<CheckingScript>(*env, stats);
+      }
+    }
   } catch (const std::exception& e) {
     std::cout << "(error \"" << quoted(e.what()) << "\")" << std::endl;
     return 1;
