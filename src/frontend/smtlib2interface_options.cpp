@@ -6,6 +6,7 @@
 // environment exists. The solver's own options can be set by their dotted
 // names, as on the command line: (set-option :dpll.restart_strategy 1).
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <iostream>
 #include <sstream>
@@ -29,11 +30,37 @@ const char* bool_text(bool b) {
 
 // Whether `text` can stand in an answer as it is: a numeral, a decimal, a
 // simple symbol, a keyword or a list; anything else is quoted.
+// Numerals and decimals print bare: "2.6", not "|2.6|".
+bool is_decimal_numeral(const std::string& text) {
+  size_t i = 0;
+  while (i < text.size() && std::isdigit(static_cast<unsigned char>(text[i]))) {
+    ++i;
+  }
+  if (i == 0) {
+    return false;
+  }
+  if (i == text.size()) {
+    return true;
+  }
+  if (text[i] != '.' || i + 1 == text.size()) {
+    return false;
+  }
+  for (++i; i < text.size(); ++i) {
+    if (!std::isdigit(static_cast<unsigned char>(text[i]))) {
+      return false;
+    }
+  }
+  return true;
+}
+
 bool is_plain_value(const std::string& text) {
   if (text.empty()) {
     return false;
   }
   if (text.front() == '(' || text.front() == '"') {
+    return true;
+  }
+  if (is_decimal_numeral(text)) {
     return true;
   }
   std::string body = text.front() == ':' ? text.substr(1) : text;

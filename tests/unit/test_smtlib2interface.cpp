@@ -307,11 +307,12 @@ TEST(SmtLib2InterfaceTest, InfoAnswers) {
   std::string out = output(
       "(get-info :name)(get-info :error-behavior)(get-info :foo)"
       "(set-info :foo |two words|)(get-info :foo)"
+      "(set-info :smt-lib-version 2.6)(get-info :smt-lib-version)"
       "(get-info :assertion-stack-levels)(push 2)"
       "(get-info :assertion-stack-levels)");
   EXPECT_EQ(out,
             "( :name \"Zenlo\" )\n( :error-behavior continued-execution )\n"
-            "unsupported\n( :foo \"two words\" )\n"
+            "unsupported\n( :foo \"two words\" )\n( :smt-lib-version 2.6 )\n"
             "( :assertion-stack-levels 0 )\n"
             // The levels are the environment's, which this test's
             // interpreter does not open.
