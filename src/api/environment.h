@@ -121,6 +121,37 @@ class Environment {
 
   TerminationTest* get_termination_test() const { return d_termination; }
 
+  // ---- Backtrack points, assumptions and models ---------------------------
+  // These services are being filled in; until then each throws error
+  // "... is not supported yet".
+
+  // Opens a backtrack point on the assertion stack; the engine sees it at
+  // the next check.
+  virtual void push_backtrack_point();
+
+  // Drops every assertion made since the matching push.
+  // - Throws: error "no backtrack points to pop" when none is open.
+  virtual void pop_backtrack_point();
+
+  // Decides the assertion stack under `assumptions`, each an atom or the
+  // negation of one.
+  // - Returns: 1 sat, 0 unsat, -1 unknown.
+  // - Throws: error "assumptions can only be literals".
+  int check_with_assumptions(const std::vector<const Term_*>& assumptions);
+
+  // Returns: after an unsat check_with_assumptions, the assumptions (as
+  // they were passed) that take part in the conflict.
+  std::vector<const Term_*> get_unsat_assumptions();
+
+  // Returns: the value of `t` in the model of the last sat check.
+  // - Throws: error "model generation not enabled" when there is no model.
+  const Term_* get_model_value(const Term_* t);
+
+  // Returns: the pairs (term, value) of the model of the last sat check:
+  // the user's constants and the applications of its functions.
+  // - Throws: as get_model_value.
+  std::vector<std::pair<const Term_*, const Term_*>> get_model_assignments();
+
   // ---- State -------------------------------------------------------------
 
   // Returns: the result of the last check: 1 sat, 0 unsat, -1 unknown.
