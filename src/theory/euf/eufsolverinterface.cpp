@@ -65,6 +65,18 @@ void EufSolverInterface::retract_atom(const Term_* atom) {
   }
 }
 
+// Arrays count too: over finite indices and elements there are finitely
+// many of them, and distinct array symbols alone can be contradictory.
+static bool has_finitely_many_values(const TermManager& tm, const Type* type) {
+  const Type* index = nullptr;
+  const Type* element = nullptr;
+  if (tm.is_array_type(type, &index, &element)) {
+    return has_finitely_many_values(tm, index)
+           && has_finitely_many_values(tm, element);
+  }
+  return tm.is_finite_domain_type(type);
+}
+
 bool EufSolverInterface::is_own_term(const Term_* t) const {
   switch (d_tm->get_tag(t->get_symbol())) {
     case SymbolTag::UNKNOWN:
@@ -80,7 +92,7 @@ bool EufSolverInterface::is_own_term(const Term_* t) const {
   }
   // Finitely many values need counting, which congruence does not do.
   const Type* type = t->get_type();
-  return d_tm->is_bool_type(type) || !d_tm->is_finite_domain_type(type);
+  return d_tm->is_bool_type(type) || !has_finitely_many_values(*d_tm, type);
 }
 
 void EufSolverInterface::take_requests(std::vector<const Term_*>& bool_args,
