@@ -97,6 +97,8 @@ struct Configuration {
       int dyn_ack_threshold = 1;
       int dyn_ack_limit = 1000;
       bool low_priority = false;
+      // Lemmas a = c from equalities a = b, b = c chained by conflicts.
+      bool transitivity_lemmas = true;
     };
 
     struct La {

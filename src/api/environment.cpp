@@ -16,6 +16,7 @@
 #include "preprocess/rewritestack.h"
 #include "preprocess/tseitincnfgenerator.h"
 #include "terms/stdtermsimplifier.h"
+#include "theory/theorymanager.h"
 
 namespace zenlo {
 
@@ -159,9 +160,10 @@ void Environment::init() {
 
   // The engine. (An external engine hook takes its place when one is set.)
   d_dpll = std::make_unique<DpllSolver>(&d_config.dpll, &d_config);
-  // The theory manager with the solvers the options enable is created
-  // here and given to the engine (set_theory_manager) and the logger.
   d_dpll->set_logger(&d_logger, d_config.verbosity > 2 ? "DPLL" : "");
+  d_theory_manager =
+      std::make_unique<TheoryManager>(&d_config, d_tm, d_dpll.get(), &d_logger);
+  d_dpll->set_theory_manager(d_theory_manager.get());
 
   d_rewrite_stack = std::make_unique<RewriteStack>();
   // The top-level propagator, the term normalizer and the free-input coder
@@ -169,8 +171,8 @@ void Environment::init() {
 
   make_constraint_encoder();
 
-  // The theory manager learns of the polarity checker once it exists.
   d_polarity = std::make_unique<PolarityChecker>(d_tm);
+  d_theory_manager->set_polarity_checker(d_polarity.get());
   d_clause_sink =
       std::make_unique<DpllClauseSink>(d_tm,
                                        d_dpll.get(),
@@ -222,6 +224,10 @@ void Environment::do_reset() {
   d_polarity.reset();
   d_encoder.reset();
   d_rewrite_stack.reset();
+  if (d_dpll != nullptr) {
+    d_dpll->set_theory_manager(nullptr);
+  }
+  d_theory_manager.reset();
   d_dpll.reset();
   d_stack.clear();
   d_labels.clear();
@@ -255,8 +261,10 @@ void Environment::set_termination_test(TerminationTest* test) {
   if (d_encoder != nullptr) {
     d_encoder->set_termination_test(test);
   }
-  // The theory manager, the top-level propagator and the model get it
-  // too once they exist.
+  if (d_theory_manager != nullptr) {
+    d_theory_manager->set_termination_test(test);
+  }
+  // The top-level propagator and the model get it too once they exist.
 }
 
 size_t Environment::num_backtrack_points() const {
@@ -286,7 +294,16 @@ Environment::Stats Environment::get_stats() const {
       out.push_back(std::move(kv));
     }
   }
-  // The theory manager's groups follow, as ":" + group + "-" + entry.
+  // The theory manager's entries follow, as ":" + words joined by "-".
+  if (d_theory_manager != nullptr) {
+    for (auto& [key, value] : d_theory_manager->get_stats()) {
+      std::string k = ":" + key;
+      for (char& c : k) {
+        c = c == ' ' ? '-' : c;
+      }
+      out.emplace_back(std::move(k), value);
+    }
+  }
   return out;
 }
 

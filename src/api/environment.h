@@ -387,10 +387,9 @@ class Environment {
   //    in here.)
   std::unique_ptr<DpllSolver> d_dpll;
 
-  // 5. The theory manager: null until theories exist; the engine then
-  //    runs as a plain SAT solver, and a sat answer over atoms that need a
-  //    theory is refused (see do_check).
-  TheoryManager* d_theory_manager = nullptr;
+  // 5. The theory manager with the solvers that the options enable. A sat
+  //    answer over theory atoms without it is refused (see do_check).
+  std::unique_ptr<TheoryManager> d_theory_manager;
 
   // 6. Unsat mark (number of open backtrack points at which
   //    unsatisfiability was found, or -1), its interpolation group.

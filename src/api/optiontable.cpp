@@ -424,6 +424,10 @@ std::vector<OptionDef> theory_euf_arr_options() {
        {},
        "Let the other theory solvers answer before equality reasoning.",
        kNotDumped},
+      {ZENLO_OPT(theory.euf.transitivity_lemmas),
+       {},
+       "Learn a = c as a lemma when conflicts keep chaining a = b and "
+       "b = c; counted and limited with the Ackermann lemmas."},
       {ZENLO_OPT(theory.arr.enabled), {}, "Enable the solver for arrays."},
       {ZENLO_OPT(theory.arr.mode),
        at_most(2),

@@ -19,6 +19,7 @@
 
 #include "api/cmdline.h"
 #include "frontend/dimacsinterface.h"
+#include "frontend/smtlib2interface.h"
 #include "frontend/toplevelinterface.h"
 #include "zenlo.h"
 
@@ -120,8 +121,8 @@ std::unique_ptr<ToplevelInterface> make_interface(CmdLine& cmdline,
           << std::endl;
       return nullptr;
     default:
-      out << "ERROR: reading SMT-LIB 2 input is not available yet" << std::endl;
-      return nullptr;
+      return std::make_unique<SmtLib2Interface>(&cmdline.get_config(),
+                                                &cmdline);
   }
 }
 

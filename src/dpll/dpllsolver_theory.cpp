@@ -5,12 +5,15 @@
 // Everything the engine asks of the theory manager goes through the
 // `theory_*` hooks at the end of this file, one per manager operation. With
 // no manager attached the search never reaches them, and each is inert.
+// Subclasses that drive a reasoner of their own (tests, external engines)
+// override the hooks instead.
 #include <algorithm>
 #include <ostream>
 #include <sstream>
 
 #include "api/logger.h"
 #include "dpll/dpllsolver.h"
+#include "theory/theorymanager.h"
 
 namespace zenlo {
 
@@ -178,12 +181,14 @@ DpllSolver::Clause* DpllSolver::get_theory_conflict() {
   return make_theory_conflict(d_theory_lits);
 }
 
+// The scratch vector is free here: a conflict's literals have become a
+// clause before analysis asks for reasons.
 DpllSolver::Clause* DpllSolver::get_theory_reason(Lit p, bool force) {
-  std::vector<Lit> lits;
-  if (!theory_explanation(p, force, lits)) {
+  d_theory_lits.clear();
+  if (!theory_explanation(p, force, d_theory_lits)) {
     return nullptr;
   }
-  return make_theory_reason(p, lits);
+  return make_theory_reason(p, d_theory_lits);
 }
 
 // The guard ties a theory clause to the youngest backtrack point that is
@@ -408,71 +413,103 @@ lbool DpllSolver::finish_lemmas(LemmaRound& round) {
 
 // ---------------------------------------------------------------------------
 // Theory hooks: one per operation of the theory manager. Each is inert while
-// no manager is attached; the theory layer fills them in, and engines that
-// wrap another reasoner override them.
+// no manager is attached; engines that wrap another reasoner override them.
 // ---------------------------------------------------------------------------
 
-// Manager: tell_atom(term, v).
-void DpllSolver::theory_tell_atom(const Term_*, Var) {}
+void DpllSolver::theory_tell_atom(const Term_* term, Var v) {
+  if (d_theory != nullptr) {
+    d_theory->tell_atom(term, v);
+  }
+}
 
-// Manager: retract_atom(term, v).
-void DpllSolver::theory_retract_atom(const Term_*, Var) {}
+void DpllSolver::theory_retract_atom(const Term_* term, Var v) {
+  if (d_theory != nullptr) {
+    d_theory->retract_atom(term, v);
+  }
+}
 
-// Manager: new_decision_level().
-void DpllSolver::theory_new_decision_level() {}
+void DpllSolver::theory_new_decision_level() {
+  if (d_theory != nullptr) {
+    d_theory->new_decision_level();
+  }
+}
 
-// Manager: cancel_until(level).
-void DpllSolver::theory_cancel_until(int) {}
+void DpllSolver::theory_cancel_until(int level) {
+  if (d_theory != nullptr) {
+    d_theory->cancel_until(level);
+  }
+}
 
-// Manager: push_backtrack_point().
-void DpllSolver::theory_push_backtrack_point() {}
+void DpllSolver::theory_push_backtrack_point() {
+  if (d_theory != nullptr) {
+    d_theory->push_backtrack_point();
+  }
+}
 
-// Manager: pop_backtrack_point().
-void DpllSolver::theory_pop_backtrack_point() {}
+void DpllSolver::theory_pop_backtrack_point() {
+  if (d_theory != nullptr) {
+    d_theory->pop_backtrack_point();
+  }
+}
 
-// Manager: do_assume(p, true); the flag turns on filtering.
-void DpllSolver::theory_assume(Lit) {}
+// The flag turns on the filtering of pure and ghost literals.
+void DpllSolver::theory_assume(Lit p) {
+  if (d_theory != nullptr) {
+    d_theory->do_assume(p, true);
+  }
+}
 
-// Manager: check_approx() when `approx`, else check_complete().
-void DpllSolver::theory_check(bool) {}
+void DpllSolver::theory_check(bool approx) {
+  if (d_theory != nullptr) {
+    if (approx) {
+      d_theory->check_approx();
+    } else {
+      d_theory->check_complete();
+    }
+  }
+}
 
-// Manager: conflict().
 bool DpllSolver::theory_in_conflict() {
-  return false;
+  return d_theory != nullptr && d_theory->conflict();
 }
 
-// Manager: get_conflict(out), true literals of the trail.
-void DpllSolver::theory_conflict_lits(std::vector<Lit>&) {}
+void DpllSolver::theory_conflict_lits(std::vector<Lit>& out) {
+  d_theory->get_conflict(out);
+}
 
-// Manager: get_next_implied(), lit_Undef at the end.
 DpllSolver::Lit DpllSolver::theory_next_implied() {
-  return lit_Undef;
+  return d_theory != nullptr ? d_theory->get_next_implied() : lit_Undef;
 }
 
-// Manager: get_explanation(p, force, out), true literals implying `p`.
-bool DpllSolver::theory_explanation(Lit, bool, std::vector<Lit>&) {
-  return false;
+bool DpllSolver::theory_explanation(Lit p, bool force, std::vector<Lit>& out) {
+  return d_theory != nullptr && d_theory->get_explanation(p, force, out);
 }
 
-// Manager: has_lemmas().
 bool DpllSolver::theory_has_lemmas() {
-  return false;
+  return d_theory != nullptr && d_theory->has_lemmas();
 }
 
-// Manager: get_lemma(lits, first, second), the lemma's id.
-int DpllSolver::theory_next_lemma(std::vector<Lit>&, bool&, bool&) {
-  return 0;
+int DpllSolver::theory_next_lemma(std::vector<Lit>& lits,
+                                  bool& first,
+                                  bool& second) {
+  return d_theory->get_lemma(lits, first, second);
 }
 
-// Manager: retract_lemma(id).
-void DpllSolver::theory_retract_lemma(int) {}
+void DpllSolver::theory_retract_lemma(int id) {
+  if (d_theory != nullptr) {
+    d_theory->retract_lemma(id);
+  }
+}
 
-// Manager: boolean_model_found(), a level to go back to or -1.
+// A level to go back to, or -1.
 int DpllSolver::theory_boolean_model_found() {
-  return -1;
+  return d_theory != nullptr ? d_theory->boolean_model_found() : -1;
 }
 
-// Manager: build_model().
-void DpllSolver::theory_build_model() {}
+void DpllSolver::theory_build_model() {
+  if (d_theory != nullptr) {
+    d_theory->build_model();
+  }
+}
 
 }  // namespace zenlo

@@ -88,6 +88,7 @@ ToplevelInterface::TimeMemLimitTest::TimeMemLimitTest(uint64_t timeout_sec,
 void ToplevelInterface::TimeMemLimitTest::reset() {
   d_start = std::clock();
   d_last_mem_check_ms = 0;
+  d_query_start_ms = 0;
 }
 
 uint64_t ToplevelInterface::TimeMemLimitTest::elapsed_ms() const {
@@ -97,7 +98,9 @@ uint64_t ToplevelInterface::TimeMemLimitTest::elapsed_ms() const {
 
 bool ToplevelInterface::TimeMemLimitTest::should_terminate() {
   uint64_t elapsed = elapsed_ms();
-  if (d_timeout_ms != 0 && elapsed > d_timeout_ms) {
+  if ((d_timeout_ms != 0 && elapsed > d_timeout_ms)
+      || (d_query_limit_ms != 0
+          && elapsed - d_query_start_ms > d_query_limit_ms)) {
     throw terminated("timeout");
   }
   if (d_mem_limit != 0 && elapsed - d_last_mem_check_ms > kMemCheckIntervalMs) {

@@ -25,6 +25,10 @@ class ToplevelInterface {
   // limit, or holds more memory than the memory limit. The memory is read
   // at most every 100 milliseconds of CPU time, since reading it costs a
   // system call and a parse.
+  //
+  // Besides the limit of the whole run, a script may limit each query on
+  // its own (:timeout): that second clock restarts at every start_query,
+  // so one run can hold many limited queries.
   class TimeMemLimitTest : public TerminationTest {
    public:
     // Limits of 0 are no limits.
@@ -32,10 +36,18 @@ class ToplevelInterface {
     //   for a memory limit where the memory in use cannot be read.
     TimeMemLimitTest(uint64_t timeout_sec, uint64_t mem_limit_bytes);
 
-    bool active() const { return d_timeout_ms != 0 || d_mem_limit != 0; }
+    bool active() const {
+      return d_timeout_ms != 0 || d_mem_limit != 0 || d_query_limit_ms != 0;
+    }
 
     // Restarts the clock.
     void reset();
+
+    // Limits each query to `ms` milliseconds of CPU time, 0 for none.
+    void set_query_limit_ms(uint64_t ms) { d_query_limit_ms = ms; }
+
+    // Restarts the clock of the query limit.
+    void start_query() { d_query_start_ms = elapsed_ms(); }
 
     // - Throws: terminated with "timeout" or "memory limit exceeded".
     bool should_terminate() override;
@@ -47,6 +59,8 @@ class ToplevelInterface {
     uint64_t d_mem_limit;
     std::clock_t d_start = 0;
     uint64_t d_last_mem_check_ms = 0;
+    uint64_t d_query_limit_ms = 0;
+    uint64_t d_query_start_ms = 0;
   };
 
   virtual ~ToplevelInterface() = default;

@@ -7,13 +7,19 @@ Expected output comes, in this order of preference, from:
   - for .cnf, a comment line "c status sat|unsat".
 Extra command-line options come from a first-line comment "; ARGS: ..."
 (or "c ARGS: ..." in DIMACS). For DIMACS sat answers the model line is
-checked against every clause.
+checked against every clause. For SMT-LIB 2, every model that the output
+shows (the pairs that -model prints under a sat answer, or the text of
+get-model) is checked by an independent solver (z3): the script up to that
+check, with the model's values asserted, must still be satisfiable.
 """
 import os
 import re
 import shlex
+import shutil
 import subprocess
 import sys
+
+import smt2_models
 
 
 def read(path):
@@ -132,6 +138,26 @@ def main():
     if answers != expected:
         fail("expected answers %s, got %s" % (expected, answers), out,
              proc.stderr)
+    check_smt2_models(text, out, proc.stderr)
+
+
+def check_smt2_models(text, out, err):
+    models = smt2_models.models_in_output(out)
+    if not models:
+        return
+    z3 = shutil.which("z3")
+    if z3 is None:
+        fail("z3 is needed to check the models of the output", out, err)
+    commands = smt2_models.split_commands(strip_comments(text))
+    for check_index, model in models:
+        script = smt2_models.check_script(commands, check_index, model)
+        proc = subprocess.run([z3, "-in", "-smt2"], input=script,
+                              capture_output=True, text=True, timeout=600)
+        lines = proc.stdout.split()
+        if not lines or lines[-1] not in ("sat", "unknown"):
+            fail("the model of check %d does not satisfy the script "
+                 "(z3 says: %s)\n--- check script\n%s"
+                 % (check_index + 1, proc.stdout.strip(), script), out, err)
 
 
 def fail(msg, out, err, expected=None):

@@ -1,0 +1,195 @@
+// The questions a script asks after a check: values, models, assignments
+// and unsat assumptions; and the answers for what this interpreter does
+// not offer (cores, proofs, interpolants, All-SAT, objectives).
+#include "api/environment.h"
+#include "frontend/smtlib2interface.h"
+#include "frontend/smtlib2model.h"
+
+namespace zenlo {
+
+namespace {
+
+using Kind = SmtLib2Response::Kind;
+
+}  // namespace
+
+std::string SmtLib2Interface::print_term(const Term_* t) {
+  return d_printer->atom_to_string(t);
+}
+
+void SmtLib2Interface::require_model() const {
+  if (!d_model_available) {
+    throw error("model not available");
+  }
+}
+
+bool SmtLib2Interface::model_queries_enabled() const {
+  const Configuration& c = d_env->get_config();
+  return (c.model_generation || c.bool_model_generation) && c.solver_enabled;
+}
+
+// ---------------------------------------------------------------------------
+// Values
+// ---------------------------------------------------------------------------
+
+void SmtLib2Interface::get_value(const std::vector<std::string>& texts) {
+  init_env();
+  require_model();
+  TermList terms = parse_value_terms(texts);
+  if (!model_queries_enabled()) {
+    d_response.kind = Kind::Unsupported;
+    return;
+  }
+  TermManager& tm = d_env->get_term_manager();
+  SmtLib2Response::Pairs pairs;
+  for (size_t i = 0; i < terms.size(); ++i) {
+    const Term_* value = d_env->get_model_value(terms[i]);
+    pairs.emplace_back(texts[i],
+                       value_text(tm, *d_printer, value, terms[i]->get_type()));
+  }
+  d_response.kind = Kind::Values;
+  d_response.pairs = std::move(pairs);
+}
+
+// The texts are read again as one ".internal-parse-terms" command, now,
+// with the names in force at this point of the script.
+TermList SmtLib2Interface::parse_value_terms(
+    const std::vector<std::string>& texts) {
+  std::string command = "(.internal-parse-terms (";
+  for (const std::string& t : texts) {
+    command += t + " ";
+  }
+  command += "))";
+  d_parsing_values = true;
+  d_parsed_terms.clear();
+  try {
+    parse_nested(command);
+  } catch (...) {
+    d_parsing_values = false;
+    throw;
+  }
+  d_parsing_values = false;
+  TermList terms;
+  terms.swap(d_parsed_terms);
+  return terms;
+}
+
+void SmtLib2Interface::internal_set_parsed_terms(const TermList& terms) {
+  if (!d_parsing_values) {
+    throw error("unsupported command: .internal-parse-terms");
+  }
+  d_parsed_terms = terms;
+}
+
+void SmtLib2Interface::get_assignment() {
+  init_env();
+  require_model();
+  if (!d_env->get_config().bool_model_generation) {
+    d_response.kind = Kind::Unsupported;
+    return;
+  }
+  TermManager& tm = d_env->get_term_manager();
+  SmtLib2Response::Pairs pairs;
+  for (const NamedTerm& n : d_named) {
+    if (tm.is_bool_type(n.term->get_type())) {
+      const Term_* value = d_env->get_model_value(n.term);
+      pairs.emplace_back(SmtLibTermPrinter::to_smtlib(n.name),
+                         print_term(value));
+    }
+  }
+  d_response.kind = Kind::Values;
+  d_response.pairs = std::move(pairs);
+}
+
+void SmtLib2Interface::get_model() {
+  init_env();
+  require_model();
+  if (!model_queries_enabled()) {
+    d_response.kind = Kind::Unsupported;
+    return;
+  }
+  std::vector<ModelAssignment> model;
+  for (const ModelAssignment& a : d_env->get_model_assignments()) {
+    if (!should_skip_term(a.first)) {
+      model.push_back(a);
+    }
+  }
+  d_response.items =
+      model_define_funs(d_env->get_term_manager(), *d_printer, model);
+  d_response.kind = Kind::Model;
+}
+
+void SmtLib2Interface::get_unsat_assumptions() {
+  init_env();
+  std::vector<std::string> items;
+  for (const Term_* t : d_env->get_unsat_assumptions()) {
+    items.push_back(print_term(t));
+  }
+  d_response.kind = Kind::TermList;
+  d_response.items = std::move(items);
+}
+
+// ---------------------------------------------------------------------------
+// What this interpreter does not offer
+// ---------------------------------------------------------------------------
+
+void SmtLib2Interface::get_assertions() {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::get_unsat_core() {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::get_proof() {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::get_interpolant(const std::vector<std::string>& texts) {
+  if (!d_config->interpolation) {
+    d_response.kind = Kind::Unsupported;
+    return;
+  }
+  for (const std::string& text : texts) {
+    std::string name = unquote_symbol(text);
+    if (d_groups.find(name) == d_groups.end()) {
+      throw error("unknown :interpolation-group `" + name + "'");
+    }
+  }
+  // The groups are known, but no interpolant is computed yet.
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::check_allsat(const TermList&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::push_minimize(const Term_*, const OptAttributes&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::push_maximize(const Term_*, const OptAttributes&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::push_minmax(const TermList&, const OptAttributes&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::push_maxmin(const TermList&, const OptAttributes&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::assert_soft_formula(const Term_*, const OptAttributes&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::get_objectives() {
+  d_response.kind = Kind::Unsupported;
+}
+
+void SmtLib2Interface::load_objective_model(const std::string&) {
+  d_response.kind = Kind::Unsupported;
+}
+
+}  // namespace zenlo

@@ -1,0 +1,472 @@
+// TheoryManager: solvers, atoms, levels, literals and checks. Lemmas and
+// Boolean arguments are in theorymanager_lemmas.cpp, theory combination in
+// theorymanager_combination.cpp.
+#include "theory/theorymanager.h"
+
+#include <ostream>
+
+#include "api/logger.h"
+#include "api/terminationtest.h"
+#include "dpll/dpllsolver.h"
+#include "preprocess/polaritychecker.h"
+#include "terms/termmanager.h"
+#include "theory/euf/eufsolverinterface.h"
+
+namespace zenlo {
+
+using dpll::lit_Undef;
+using dpll::mk_lit;
+using dpll::var;
+using dpll::var_Undef;
+
+namespace {
+constexpr const char* kSection = "TMANAGER";
+}  // namespace
+
+TheoryManager::TheoryManager(const Configuration* config,
+                             TermManager* tm,
+                             DpllSolver* dpll,
+                             Logger* logger)
+    : d_global(config),
+      d_config(&config->theory),
+      d_tm(tm),
+      d_dpll(dpll),
+      d_logger(logger) {
+  auto euf = std::make_unique<EufSolverInterface>(&d_config->euf, tm);
+  if (d_config->arr.enabled) {
+    euf->add_dyn_ack_tag(SymbolTag::ARRAY_READ);
+    euf->add_dyn_ack_tag(SymbolTag::ARRAY_WRITE);
+  }
+  install_solver(SolverIndex::Euf, std::move(euf), d_config->euf.enabled);
+}
+
+TheoryManager::~TheoryManager() = default;
+
+void TheoryManager::install_solver(SolverIndex index,
+                                   std::unique_ptr<TheorySolver> solver,
+                                   bool on) {
+  int i = static_cast<int>(index);
+  d_solvers[i] = std::move(solver);
+  d_enabled[i] = d_solvers[i] != nullptr && on;
+  if (d_solvers[i] != nullptr) {
+    if (d_logger != nullptr) {
+      d_solvers[i]->set_logger(d_logger);
+    }
+    d_solvers[i]->set_termination_test(d_termination);
+  }
+  if (index == SolverIndex::Euf) {
+    // Tests may put another solver in EUF's slot.
+    d_euf = dynamic_cast<EufSolverInterface*>(d_solvers[i].get());
+  }
+}
+
+EufSolverInterface* TheoryManager::euf() const {
+  return enabled(0) ? d_euf : nullptr;
+}
+
+TheorySolver* TheoryManager::get_tsolver(const std::string& name) const {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i) && name == d_solvers[i]->get_name()) {
+      return d_solvers[i].get();
+    }
+  }
+  return nullptr;
+}
+
+void TheoryManager::set_logger(Logger* logger) {
+  d_logger = logger;
+  for (auto& s : d_solvers) {
+    if (s != nullptr) {
+      s->set_logger(logger);
+    }
+  }
+}
+
+void TheoryManager::set_termination_test(TerminationTest* test) {
+  d_termination = test;
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->set_termination_test(test);
+    }
+  }
+}
+
+void TheoryManager::set_polarity_checker(PolarityChecker* pc) {
+  d_polarity = pc;
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->set_polarity_checker(pc);
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Atoms
+// ---------------------------------------------------------------------------
+
+void TheoryManager::grow_var_tables(Var v) {
+  size_t need = static_cast<size_t>(v) + 1;
+  if (d_non_theory.size() < need) {
+    size_t n = std::max(need, d_non_theory.size() * 2);
+    d_non_theory.resize(n, 1);
+    d_listeners.resize(n, 0);
+  }
+}
+
+// Boolean structure is the search's own business; so are constants, which
+// no theory reasons about unless they are arguments of functions.
+bool TheoryManager::is_non_theory(const Term_* term) const {
+  if (term == nullptr || term->get_arity() == 0
+      || !d_tm->is_bool_type(term->get_type())) {
+    return true;
+  }
+  switch (d_tm->get_tag(term->get_symbol())) {
+    case SymbolTag::TRUE:
+    case SymbolTag::FALSE:
+    case SymbolTag::NOT:
+    case SymbolTag::AND:
+    case SymbolTag::OR:
+    case SymbolTag::IFF: return true;
+    default: return false;
+  }
+}
+
+TheoryManager::Var TheoryManager::var_of(const Term_* term) const {
+  size_t i = term->get_id();
+  return i < d_var_of_term.size() ? d_var_of_term[i] : var_Undef;
+}
+
+void TheoryManager::tell_atom(const Term_* term, Var v) {
+  grow_var_tables(v);
+  if (term != nullptr) {
+    size_t i = term->get_id();
+    if (i >= d_var_of_term.size()) {
+      d_var_of_term.resize(std::max(i + 1, d_var_of_term.size() * 2),
+                           var_Undef);
+    }
+    d_var_of_term[i] = v;
+  }
+  bool none = is_non_theory(term) && !d_bool_args.contains(term);
+  d_non_theory[v] = none;
+  d_listeners[v] = 0;
+  if (!none) {
+    for (int i = 0; i < kNumSolvers; ++i) {
+      if (enabled(i) && d_solvers[i]->tell_atom(term).second) {
+        d_listeners[v] |= static_cast<uint8_t>(1u << i);
+      }
+    }
+    d_comb_frames.push_back(v);
+    if (!d_in_lemma && !d_lemma_atoms.contains(v)) {
+      update_interface_terms(term);
+    }
+  }
+  handle_euf_requests();
+}
+
+void TheoryManager::retract_atom(const Term_* term, Var v) {
+  if (static_cast<size_t>(v) < d_non_theory.size() && !d_non_theory[v]) {
+    if (enabled(0)) {
+      d_solvers[0]->retract_atom(term);
+    }
+    for (int i = 1; i < kNumSolvers; ++i) {
+      if (enabled(i) && (d_listeners[v] >> i) & 1) {
+        d_solvers[i]->retract_atom(term);
+      }
+    }
+    undo_theory_combination_info(term, v);
+  }
+  if (static_cast<size_t>(v) < d_non_theory.size()) {
+    d_non_theory.resize(v);
+    d_listeners.resize(v);
+  }
+  if (term != nullptr && var_of(term) == v) {
+    d_var_of_term[term->get_id()] = var_Undef;
+  }
+  d_lemma_atoms.erase(v);
+}
+
+// ---------------------------------------------------------------------------
+// Levels
+// ---------------------------------------------------------------------------
+
+void TheoryManager::new_decision_level() {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->new_decision_level();
+    }
+  }
+}
+
+void TheoryManager::cancel_until(int level) {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->cancel_until(level);
+    }
+  }
+  d_conflict_solver = -1;
+  resend_late_literals(level);
+}
+
+void TheoryManager::push_backtrack_point() {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->push_backtrack_point();
+    }
+  }
+}
+
+void TheoryManager::pop_backtrack_point() {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->pop_backtrack_point();
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Literals
+// ---------------------------------------------------------------------------
+
+TheoryLit TheoryManager::theory_lit(Lit lit) const {
+  return TheoryLit(d_dpll->term_of(var(lit)), dpll::sign(lit));
+}
+
+TheoryManager::Lit TheoryManager::search_lit(TheoryLit lit) const {
+  Var v = var_of(lit.atom());
+  if (v == var_Undef) {
+    throw error("theory literal over an atom unknown to the search: "
+                + lit.atom()->to_str());
+  }
+  return mk_lit(v, lit.negated());
+}
+
+void TheoryManager::to_search_lits(const std::vector<TheoryLit>& in,
+                                   std::vector<Lit>& out) {
+  for (TheoryLit l : in) {
+    out.push_back(search_lit(l));
+  }
+}
+
+// A literal fixed at level 0 always goes through. Pure literals are kept
+// back when the polarity checker says the formula never needs their
+// theory meaning; ghost filtering belongs to all-SAT enumeration.
+bool TheoryManager::should_filter(Lit lit) const {
+  if (d_dpll->level(var(lit)) == 0) {
+    return false;
+  }
+  if (!d_config->pure_literal_filtering || d_polarity == nullptr) {
+    return false;
+  }
+  // An atom that occurs only negatively never needs its positive meaning,
+  // and the other way round.
+  int polarity = (*d_polarity)(d_dpll->term_of(var(lit)));
+  return dpll::sign(lit) ? polarity == PolarityChecker::kPositive
+                         : polarity == PolarityChecker::kNegative;
+}
+
+void TheoryManager::do_assume(Lit lit, bool filter) {
+  Var v = var(lit);
+  if (static_cast<size_t>(v) >= d_non_theory.size() || d_non_theory[v]) {
+    return;
+  }
+  if (filter && should_filter(lit)) {
+    if (d_logger != nullptr) {
+      (*d_logger)(kSection) << loglevel(4) << "filtering out " << lit << endlog;
+    }
+    return;
+  }
+  if (conflict()) {
+    return;
+  }
+  TheoryLit tl = theory_lit(lit);
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if ((d_listeners[v] >> i) & 1) {
+      if (!d_solvers[i]->assume(tl)) {
+        ++d_counters[i].conflicts;
+        d_conflict_solver = i;
+        return;
+      }
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Checks
+// ---------------------------------------------------------------------------
+
+bool TheoryManager::run_check(int i, bool approx) {
+  ++d_counters[i].total_calls;
+  if (!approx) {
+    ++d_counters[i].complete_calls;
+  }
+  if (!d_solvers[i]->check(approx)) {
+    ++d_counters[i].conflicts;
+    d_conflict_solver = i;
+    return false;
+  }
+  return true;
+}
+
+// With EUF at low priority the other solvers go first, and the cursor of
+// get_next_implied starts behind EUF: EUF still checks, but its
+// implications are not collected.
+bool TheoryManager::check_approx() {
+  throw_if_refused();
+  handle_euf_requests();
+  const int low = d_config->euf.low_priority ? 1 : 0;
+  d_cursor = low;
+  if (conflict()) {
+    return false;
+  }
+  for (int k = 0; k < kNumSolvers; ++k) {
+    int i = low ? (k + 1) % kNumSolvers : k;
+    if (enabled(i) && !run_check(i, true)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool TheoryManager::check_complete() {
+  throw_if_refused();
+  handle_euf_requests();
+  d_cursor = d_config->euf.low_priority ? 1 : 0;
+  if (conflict()) {
+    return false;
+  }
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i) && !run_check(i, false)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void TheoryManager::log_lits(const char* what, const std::vector<Lit>& lits) {
+  if (d_logger == nullptr || !d_logger->would_log(kSection, 3)) {
+    return;
+  }
+  Logger& l = (*d_logger)(kSection) << loglevel(3) << what;
+  for (Lit p : lits) {
+    l << " " << p;
+  }
+  l << endlog;
+}
+
+void TheoryManager::get_conflict(std::vector<Lit>& lits) {
+  d_tlits.clear();
+  d_solvers[d_conflict_solver]->get_conflict(d_tlits);
+  to_search_lits(d_tlits, lits);
+  log_lits("Conflict:", lits);
+  dump_tlemma(tlit_Undef, d_tlits, false);
+}
+
+TheoryManager::Lit TheoryManager::get_next_implied() {
+  while (d_cursor < kNumSolvers) {
+    if (!enabled(d_cursor)) {
+      ++d_cursor;
+      continue;
+    }
+    TheoryLit tl = d_solvers[d_cursor]->get_next_implied();
+    if (tl.is_undef()) {
+      ++d_cursor;
+      continue;
+    }
+    Var v = var_of(tl.atom());
+    if (v == var_Undef || d_dpll->value(v) != l_Undef) {
+      continue;
+    }
+    Lit p = mk_lit(v, tl.negated());
+    if (should_filter(p)) {
+      continue;
+    }
+    ++d_counters[d_cursor].implications;
+    d_implied_by[tl] = d_cursor;
+    return p;
+  }
+  return lit_Undef;
+}
+
+bool TheoryManager::get_explanation(Lit lit,
+                                    bool force,
+                                    std::vector<Lit>& lits) {
+  TheoryLit tl = theory_lit(lit);
+  const int* i = d_implied_by.get(tl);
+  if (i == nullptr) {
+    throw error("explanation asked for a literal no theory implied: "
+                + tl.atom()->to_str());
+  }
+  d_tlits.clear();
+  if (!d_solvers[*i]->get_explanation(tl, force, d_tlits)) {
+    return false;
+  }
+  ++d_counters[*i].explanations;
+  to_search_lits(d_tlits, lits);
+  dump_tlemma(tl, d_tlits, false);
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Full assignments and models
+// ---------------------------------------------------------------------------
+
+int TheoryManager::boolean_model_found() {
+  if (d_termination != nullptr) {
+    (*d_termination)();
+  }
+  bool added = false;
+  return generate_interface_equalities(added);
+}
+
+void TheoryManager::build_model() {
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->build_model();
+    }
+  }
+}
+
+const Term_* TheoryManager::get_model_value(const Term_* term) {
+  const Term_* value =
+      enabled(0) ? d_solvers[0]->get_model_value(term) : nullptr;
+  if (value == nullptr) {
+    for (int i = 1; i < kNumSolvers; ++i) {
+      if (enabled(i)) {
+        if (const Term_* v = d_solvers[i]->get_model_value(term)) {
+          value = v;
+        }
+      }
+    }
+  }
+  return value != nullptr ? value : term;
+}
+
+// ---------------------------------------------------------------------------
+// Statistics
+// ---------------------------------------------------------------------------
+
+TheorySolver::Stats TheoryManager::get_stats() const {
+  TheorySolver::Stats out{
+      {"necessary interface equalities", std::to_string(d_necessary_ieqs)},
+      {"extra interface equalities", std::to_string(d_extra_ieqs)},
+  };
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (!enabled(i)) {
+      continue;
+    }
+    const SolverCounters& c = d_counters[i];
+    std::string name = d_solvers[i]->get_name();
+    out.emplace_back(name + " total calls", std::to_string(c.total_calls));
+    out.emplace_back(name + " complete calls",
+                     std::to_string(c.complete_calls));
+    out.emplace_back(name + " conflicts", std::to_string(c.conflicts));
+    out.emplace_back(name + " implications", std::to_string(c.implications));
+    out.emplace_back(name + " explanations", std::to_string(c.explanations));
+    for (auto& [k, v] : d_solvers[i]->get_stats()) {
+      out.emplace_back(name + " " + k, v);
+    }
+  }
+  return out;
+}
+
+}  // namespace zenlo

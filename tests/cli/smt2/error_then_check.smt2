@@ -1,0 +1,4 @@
+(foo)
+(declare-fun a () Bool)
+(assert a)
+(check-sat)

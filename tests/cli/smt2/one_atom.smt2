@@ -1,0 +1,3 @@
+(declare-fun a () Bool)
+(assert a)
+(check-sat)

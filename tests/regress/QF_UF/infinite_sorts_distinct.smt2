@@ -1,0 +1,12 @@
+; Sorts with infinitely many values stay with congruence closure.
+(set-info :status sat)
+(declare-sort U 0)
+(declare-fun a () U)
+(declare-fun b () U)
+(declare-fun c () U)
+(declare-fun x () (Array Int Bool))
+(declare-fun y () (Array Int Bool))
+(declare-fun z () (Array Int Bool))
+(assert (distinct a b c))
+(assert (distinct x y z))
+(check-sat)

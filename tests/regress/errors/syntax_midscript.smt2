@@ -1,0 +1,17 @@
+; Malformed commands between good ones: each answers an error that names
+; its line, and the next command is read as if nothing had happened.
+(set-option :print-success true)
+(declare-fun a () Bool)
+(assert (and a)
+(check-sat)
+(assert (or a (not a))))
+(declare-fun)
+(declare-fun b Bool)
+(assert a b)
+(push a)
+(check-sat-assuming)
+(get-value)
+(set-info :status)
+(check-sat)
+(assert (not a))
+(check-sat)

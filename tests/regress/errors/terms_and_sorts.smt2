@@ -1,0 +1,23 @@
+; Errors inside terms and sorts, mid-script: wrong arity, unknown names,
+; unknown sorts, ill-typed applications, bad indices. None of them stops
+; the script, and none leaves a binding behind.
+(declare-fun p () Bool)
+(declare-fun q () Bool)
+(assert (not p q))
+(assert (ite p q))
+(assert (undefined p))
+(declare-fun s () Unknown)
+(declare-fun v () (_ BitVec 0))
+(assert (= p (_ bv1 4)))
+(assert (let ((r p)) (and r unknown)))
+(assert r)
+(define-fun d ((x Bool)) Bool (and x zz))
+(assert (d p))
+(define-sort S (X) (Array X))
+(assert (! p :named p))
+(assert (! q :named both))
+(assert (! p :named both))
+(assert both)
+(check-sat)
+(assert (not q))
+(check-sat)

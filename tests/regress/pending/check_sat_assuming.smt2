@@ -1,0 +1,15 @@
+; Checks under assumptions, and the assumptions that took part in the
+; conflict.
+(set-option :produce-unsat-assumptions true)
+(declare-fun a () Bool)
+(declare-fun b () Bool)
+(declare-fun c () Bool)
+(assert (=> a b))
+(assert (not b))
+(check-sat-assuming (a))
+(get-unsat-assumptions)
+(check-sat-assuming (c b))
+(get-unsat-assumptions)
+(check-sat-assuming ((not a) c))
+(check-sat)
+(check-sat-assuming ((and a c)))

@@ -1,0 +1,27 @@
+; ARGS: -model
+; From the shared benchmark set: QF_UF/opensmt__base-incremental-push_test.smt2
+(set-logic QF_UF)
+(declare-fun x () Bool)
+(declare-fun y () Bool)
+(declare-fun z () Bool)
+
+(assert (or x y z))
+(assert (or x y (not z)))
+(set-info :status sat)
+(check-sat)
+(push 1)
+(assert (or x (not y) z))
+(assert (or x (not y) (not z)))
+(assert (or (not x) y z))
+(assert (or (not x) y (not z)))
+(push 1)
+(assert (or (not x) (not y) z))
+(assert (or (not x) (not y) (not z)))
+(set-info :status unsat)
+(check-sat)
+(pop 1)
+(assert (or (not x) (not y) z))
+(set-info :status sat)
+(check-sat)
+(exit)
+
