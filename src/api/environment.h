@@ -167,6 +167,15 @@ class Environment {
   //   and the environment usable.
   int check_with_assumptions(const std::vector<const Term_*>& assumptions);
 
+  // Returns: whether check_with_assumptions takes `a`: an atom or the
+  //   negation of one.
+  bool is_assumption_literal(const Term_* a) const;
+
+  // - Throws: the error of check_with_assumptions when one of
+  //   `assumptions` is not a literal; touches nothing.
+  void check_assumptions_are_literals(
+      const std::vector<const Term_*>& assumptions) const;
+
   // Returns: after an unsat check_with_assumptions, the assumptions (as
   //   they were passed) that take part in the conflict; empty when the
   //   stack alone is unsatisfiable or the last check was not such a check.

@@ -29,7 +29,7 @@ void Environment::make_model_store() {
   d_model = new ModelStore(d_tm,
                            d_rewrite_stack.get(),
                            d_dpll.get(),
-                           full ? d_theory_manager : nullptr,
+                           full ? d_theory_manager.get() : nullptr,
                            d_polarity.get(),
                            nullptr,
                            full,

@@ -146,9 +146,7 @@ int Environment::check_with_assumptions(const TermList& assumptions) {
   // (The tracer sees the call.)
   // Refused assumptions are found before the solver is touched, so that
   // the environment stays as it was.
-  for (const Term_* a : assumptions) {
-    check_assumption(a);
-  }
+  check_assumptions_are_literals(assumptions);
   try {
     return do_check_with_assumptions(assumptions);
   } catch (...) {
@@ -206,17 +204,28 @@ int Environment::do_check_with_assumptions(const TermList& assumptions) {
   return d_last_result;
 }
 
+void Environment::check_assumptions_are_literals(
+    const TermList& assumptions) const {
+  for (const Term_* a : assumptions) {
+    check_assumption(a);
+  }
+}
+
 void Environment::check_assumption(const Term_* a) const {
+  if (!is_assumption_literal(a)) {
+    throw error("assumptions can only be literals");
+  }
+}
+
+bool Environment::is_assumption_literal(const Term_* a) const {
   while (d_tm->get_tag(a->get_symbol()) == SymbolTag::NOT) {
     a = a->get_child(0);
   }
   SymbolTag::tag tag = d_tm->get_tag(a->get_symbol());
-  if (!d_tm->is_bool_type(a->get_type()) || tag == SymbolTag::TRUE
-      || tag == SymbolTag::FALSE || tag == SymbolTag::AND
-      || tag == SymbolTag::OR || tag == SymbolTag::IFF
-      || d_tm->is_quantifier(a->get_symbol())) {
-    throw error("assumptions can only be literals");
-  }
+  return d_tm->is_bool_type(a->get_type()) && tag != SymbolTag::TRUE
+         && tag != SymbolTag::FALSE && tag != SymbolTag::AND
+         && tag != SymbolTag::OR && tag != SymbolTag::IFF
+         && !d_tm->is_quantifier(a->get_symbol());
 }
 
 dpll::Lit Environment::assumption_lit(const Term_* a, TermList& side) {

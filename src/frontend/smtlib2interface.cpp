@@ -213,6 +213,8 @@ void SmtLib2Interface::reset_session_state() {
   d_groups.clear();
   d_named.clear();
   d_assumptions.clear();
+  d_false_assumption = nullptr;
+  d_assumption_proxies.clear();
   d_parsed_terms.clear();
   d_pops_since_gc = 0;
 }

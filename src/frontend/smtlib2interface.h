@@ -274,6 +274,7 @@ class SmtLib2Interface : public ToplevelInterface,
 
   // Checks (smtlib2interface_check.cpp).
   void run_check(const TermList* assumptions);
+  const Term_* assumption_proxy(const Term_* formula);
   int solve_now(const TermList* assumptions);
   void install_termination_test();
   void collect_check_model();
@@ -354,6 +355,11 @@ class SmtLib2Interface : public ToplevelInterface,
   std::unordered_map<std::string, int> d_groups;
   std::vector<NamedTerm> d_named;
   TermList d_assumptions;
+  // The assumption false (or (not true)) that decided the last check.
+  const Term_* d_false_assumption = nullptr;
+  // Constants assumed in place of the formulas of the last check.
+  std::vector<std::pair<const Term_*, const Term_*>> d_assumption_proxies;
+  uint64_t d_num_assumption_proxies = 0;
   // get-value's terms, read back through ".internal-parse-terms".
   bool d_parsing_values = false;
   TermList d_parsed_terms;

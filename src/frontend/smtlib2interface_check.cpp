@@ -21,24 +21,75 @@ const char* result_text(int result) {
   return result > 0 ? "sat" : result == 0 ? "unsat" : "unknown";
 }
 
-// The environment's services that are still being filled in answer
-// "... is not supported yet" before any work is done.
-bool is_missing_service(const Exception& e) {
+// A request the environment refuses outright (a missing service, a
+// malformed assumption) is the script's error, not an unknown answer.
+bool is_refused_request(const Exception& e) {
   const std::string suffix = " is not supported yet";
   const std::string& m = e.message();
-  return m.size() >= suffix.size()
-         && m.compare(m.size() - suffix.size(), suffix.size(), suffix) == 0;
+  return m == "assumptions can only be literals"
+         || (m.size() >= suffix.size()
+             && m.compare(m.size() - suffix.size(), suffix.size(), suffix)
+                    == 0);
 }
 
 }  // namespace
 
 void SmtLib2Interface::check_sat() {
+  d_assumption_proxies.clear();
   run_check(nullptr);
 }
 
+// SMT-LIB counts true and false among the literals a script may assume,
+// and scripts in the wild assume whole formulas, while the environment
+// takes atoms only: true assumes nothing, false decides the check without
+// a search, as the one assumption to blame, and a formula is assumed
+// through a fresh constant that implies it (see assumption_proxy).
 void SmtLib2Interface::check_sat_assumptions(const TermList& terms) {
-  d_assumptions = terms;
-  run_check(&d_assumptions);
+  init_env();
+  TermManager& tm = d_env->get_term_manager();
+  d_assumptions.clear();
+  d_assumption_proxies.clear();
+  const Term_* falsity = nullptr;
+  for (const Term_* t : terms) {
+    bool negated = false;
+    const Term_* a = t;
+    while (tm.get_tag(a->get_symbol()) == SymbolTag::NOT) {
+      negated = !negated;
+      a = a->get_child(0);
+    }
+    const SymbolTag::tag tag = tm.get_tag(a->get_symbol());
+    if (tag != SymbolTag::TRUE && tag != SymbolTag::FALSE) {
+      d_assumptions.push_back(
+          d_env->is_assumption_literal(t) ? t : assumption_proxy(t));
+    } else if ((tag == SymbolTag::TRUE) == negated && falsity == nullptr) {
+      falsity = t;
+    }
+  }
+  if (falsity == nullptr) {
+    run_check(&d_assumptions);
+    return;
+  }
+  d_model_available = false;
+  d_last_result = 0;
+  d_false_assumption = falsity;
+  d_response.clear();
+  d_response.kind = SmtLib2Response::Kind::CheckSat;
+  d_response.text = result_text(0);
+  compare_with_status();
+}
+
+// The proxy's implication stays on the stack at the current level; it
+// constrains nothing but a constant no one else mentions, whose name the
+// model leaves out.
+const Term_* SmtLib2Interface::assumption_proxy(const Term_* formula) {
+  TermManager& tm = d_env->get_term_manager();
+  const Symbol* s = tm.make_unique_symbol(
+      ".assumption" + std::to_string(++d_num_assumption_proxies),
+      tm.get_bool_type());
+  const Term_* proxy = tm.make_constant(s);
+  d_env->assert_formula(tm.make_or(tm.make_not(proxy), formula));
+  d_assumption_proxies.emplace_back(proxy, formula);
+  return proxy;
 }
 
 void SmtLib2Interface::run_check(const TermList* assumptions) {
@@ -46,6 +97,7 @@ void SmtLib2Interface::run_check(const TermList* assumptions) {
   install_termination_test();
   d_model_available = false;
   d_last_result = -1;
+  d_false_assumption = nullptr;
   int result = solve_now(assumptions);
   d_last_result = result;
   d_model_available = result > 0;
@@ -73,7 +125,7 @@ int SmtLib2Interface::solve_now(const TermList* assumptions) {
   } catch (const std::bad_alloc&) {
     d_reason_unknown = "memout";
   } catch (const Exception& e) {
-    if (is_missing_service(e)) {
+    if (is_refused_request(e)) {
       throw;
     }
     d_reason_unknown = e.message();

@@ -169,7 +169,13 @@ void SmtLib2Interface::set_option(const std::string& name, long value) {
     set_config_option(name, "interpolation", bool_text(on));
     d_config->interpolation = on;
   } else if (name == ":global-decls" || name == ":global-declarations") {
-    too_late(":global-declarations");
+    // The switch only says how this interpreter keeps its names, so it
+    // may change after set-logic, as long as no name or level would have
+    // to be kept otherwise than it was.
+    if (!d_function_scopes.empty() || !d_sort_scopes.empty()
+        || (d_env != nullptr && d_env->num_backtrack_points() > 0)) {
+      throw error("too late for setting :global-declarations");
+    }
     d_global_declarations = on;
   } else if (name == ":produce-unsat-assumptions") {
     d_produce_unsat_assumptions = on;

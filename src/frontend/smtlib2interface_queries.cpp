@@ -122,8 +122,15 @@ void SmtLib2Interface::get_model() {
 void SmtLib2Interface::get_unsat_assumptions() {
   init_env();
   std::vector<std::string> items;
-  for (const Term_* t : d_env->get_unsat_assumptions()) {
-    items.push_back(print_term(t));
+  if (d_false_assumption != nullptr) {
+    items.push_back(print_term(d_false_assumption));
+  } else {
+    for (const Term_* t : d_env->get_unsat_assumptions()) {
+      for (const auto& [proxy, formula] : d_assumption_proxies) {
+        t = t == proxy ? formula : t;
+      }
+      items.push_back(print_term(t));
+    }
   }
   d_response.kind = Kind::TermList;
   d_response.items = std::move(items);

@@ -255,6 +255,8 @@ void SmtLib2Interface::reset_assertions() {
   }
   d_groups.clear();
   d_assumptions.clear();
+  d_false_assumption = nullptr;
+  d_assumption_proxies.clear();
 }
 
 }  // namespace zenlo

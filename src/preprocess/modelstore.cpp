@@ -11,6 +11,7 @@
 #include "preprocess/rewritestack.h"
 #include "terms/termmanager.h"
 #include "terms/termsimplifications.h"
+#include "theory/theorymanager.h"
 
 namespace zenlo {
 
@@ -159,10 +160,11 @@ void ModelStore::read_terminal_values() {
   }
 }
 
+// The theories answer with a term that stands for the class of `t` in
+// their model (a value, or a member that the classes below will give a
+// fresh value); a term no solver knows is its own class.
 const Term_* ModelStore::theory_value(const Term_* t) {
-  // The theory manager's answer goes here once theory solvers exist; until
-  // then every terminal is its own class.
-  return t;
+  return d_theory != nullptr ? d_theory->get_model_value(t) : t;
 }
 
 void ModelStore::read_rewrite_steps() {

@@ -10,7 +10,8 @@ Extra command-line options come from a first-line comment "; ARGS: ..."
 checked against every clause. For SMT-LIB 2, every model that the output
 shows (the pairs that -model prints under a sat answer, or the text of
 get-model) is checked by an independent solver (z3): the script up to that
-check, with the model's values asserted, must still be satisfiable.
+check, with the model's definitions in place of the declarations (or the
+pairs of -model asserted), must still be satisfiable.
 """
 import os
 import re
@@ -154,7 +155,8 @@ def check_smt2_models(text, out, err):
         proc = subprocess.run([z3, "-in", "-smt2"], input=script,
                               capture_output=True, text=True, timeout=600)
         lines = proc.stdout.split()
-        if not lines or lines[-1] not in ("sat", "unknown"):
+        if "(error" in proc.stdout or not lines \
+                or lines[-1] not in ("sat", "unknown"):
             fail("the model of check %d does not satisfy the script "
                  "(z3 says: %s)\n--- check script\n%s"
                  % (check_index + 1, proc.stdout.strip(), script), out, err)

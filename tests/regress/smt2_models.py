@@ -42,9 +42,23 @@ def parse(text):
 
 
 def show(sexp):
-    if isinstance(sexp, list):
-        return "(" + " ".join(show(s) for s in sexp) + ")"
-    return sexp
+    """The text of `sexp`; iterative, since scripts nest deeply."""
+    out, stack = [], [(sexp, 0)]
+    while stack:
+        node, i = stack.pop()
+        if not isinstance(node, list):
+            out.append(node)
+            continue
+        if i == 0:
+            out.append("(")
+        if i == len(node):
+            out.append(")")
+            continue
+        if i > 0:
+            out.append(" ")
+        stack.append((node, i + 1))
+        stack.append((node[i], 0))
+    return "".join(out)
 
 
 def split_commands(text):
@@ -67,7 +81,7 @@ def models_in_output(out):
             while end < len(lines) and not closes(lines[i:end + 1]):
                 end += 1
             block = "\n".join(lines[i:end + 1])
-            models.append((answers, model_assertions(parse(block)[0])))
+            models.append((answers, parse(block)[0]))
             i = end
         i += 1
     return models
@@ -80,27 +94,51 @@ def closes(block_lines):
         return False
 
 
-def model_assertions(model):
-    """Assertions that pin the model down."""
-    out = []
+def model_entries(model):
     entries = model[1:] if model and model[0] == "model" else model
-    for e in entries:
-        if e[0] != "define-fun":
-            out.append("(assert (= %s %s))" % (show(e[0]), show(e[1])))
-            continue
-        name, params, body = e[1], e[2], e[4]
-        if not params:
-            out.append("(assert (= %s %s))" % (name, show(body)))
+    return entries
+
+
+def model_assertions(model):
+    """For the pairs of -model: assertions that pin the model down. For the
+    define-funs of get-model: the definitions themselves, which take the
+    place of the declarations (see check_script)."""
+    out = []
+    for e in model_entries(model):
+        if e[0] == "define-fun":
+            out.append(e)
         else:
-            names = " ".join(p[0] for p in params)
-            out.append("(assert (forall %s (= (%s %s) %s)))"
-                       % (show(params), name, names, show(body)))
+            out.append("(assert (= %s %s))" % (show(e[0]), show(e[1])))
     return out
 
 
-def check_script(commands, check_index, assertions):
-    """The commands before check number `check_index`, the check's own
-    assumptions, the model's assertions, and a check."""
+def abstract_values(model):
+    """The abstract values "@N.S" of the model, by sort name S."""
+    found = {}
+    for tok in tokens(show(model_entries(model))):
+        m = re.match(r"^@\d+\.(.+)$", tok)
+        if m:
+            found.setdefault(m.group(1), set()).add(tok)
+    return found
+
+
+def is_scope_option(command):
+    """Whether `command` changes what a pop forgets."""
+    return command[0] == "set-option" and len(command) > 1 \
+        and command[1] in (":global-declarations", ":global-decls")
+
+
+def check_script(commands, check_index, model):
+    """The commands before check number `check_index`, with the model's
+    definitions in place of the declarations they define, the abstract
+    values declared (distinct) after their sort, the check's own
+    assumptions, the pairs of -model as assertions, and a check. z3 must
+    find it satisfiable: with every symbol defined, the assertions must
+    simply hold."""
+    items = model_assertions(model)
+    defs = {e[1]: e for e in items if isinstance(e, list)}
+    pinned = [e for e in items if not isinstance(e, list)]
+    values = abstract_values(model)
     seen, body = -1, []
     for c in commands:
         head = c[0]
@@ -111,6 +149,14 @@ def check_script(commands, check_index, assertions):
                     body.append("(assert (and true %s))"
                                 % " ".join(show(a) for a in c[1]))
                 break
-        if head not in DROPPED:
+        if head in ("declare-fun", "declare-const") and c[1] in defs:
+            body.append(show(defs[c[1]]))
+            continue
+        if head not in DROPPED or is_scope_option(c):
             body.append(show(c))
-    return "\n".join(body + assertions + ["(check-sat)", ""])
+        if head == "declare-sort" and c[1] in values:
+            names = sorted(values.pop(c[1]))
+            body.extend("(declare-fun %s () %s)" % (v, c[1]) for v in names)
+            if len(names) > 1:
+                body.append("(assert (distinct %s))" % " ".join(names))
+    return "\n".join(body + pinned + ["(check-sat)", ""])

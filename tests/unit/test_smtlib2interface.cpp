@@ -289,7 +289,8 @@ TEST(SmtLib2InterfaceTest, OptionsAreSetReadAndRefusedTooLate) {
       "(get-option :no-such)(set-logic QF_UF)(set-logic QF_UF)"
       "(get-option :dpll.restart_initial)(get-option :dpll.restart_strategy)"
       "(get-option :printer.model_as_formula)(set-option :random-seed 3)"
-      "(set-option :global-decls true)(set-option :config \"verbosity=1\")");
+      "(declare-const q Bool)(set-option :global-decls true)"
+      "(set-option :config \"verbosity=1\")");
   EXPECT_EQ(out,
             "false\ntrue\n1.5\nnone\n"
             "(error \"invalid value for :timeout option\")\n"
@@ -436,7 +437,7 @@ TEST(SmtLib2ModelTextTest, ResponsesPrintInTheirListForms) {
 TEST(SmtLib2InterfaceTest, ModelOptionReportsAMissingModelBelowTheAnswer) {
   Outcome r = run(std::string(kAB) + "(check-sat)(assert a)(check-sat)", true);
   EXPECT_EQ(r.out,
-            "sat\n(error \"model generation is not supported yet\")\nunsat\n");
+            "sat\n(error \"model generation not enabled\")\nunsat\n");
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+; ARGS: -model
 ; COMMAND-LINE: --incremental
 ; EXPECT: sat
 ; EXPECT: unsat

@@ -1,3 +1,4 @@
+; ARGS: -model
 (set-logic QF_UF)
 (declare-fun uf3 (Bool Bool Bool) Bool)
 (declare-fun uf4 (Bool Bool Bool Bool) Bool)
