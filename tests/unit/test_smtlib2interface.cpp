@@ -436,8 +436,7 @@ TEST(SmtLib2ModelTextTest, ResponsesPrintInTheirListForms) {
 
 TEST(SmtLib2InterfaceTest, ModelOptionReportsAMissingModelBelowTheAnswer) {
   Outcome r = run(std::string(kAB) + "(check-sat)(assert a)(check-sat)", true);
-  EXPECT_EQ(r.out,
-            "sat\n(error \"model generation not enabled\")\nunsat\n");
+  EXPECT_EQ(r.out, "sat\n(error \"model generation not enabled\")\nunsat\n");
 }
 
 }  // namespace
