@@ -227,6 +227,7 @@ void DpllSolver::new_decision_level() {
     theory_new_decision_level();
   }
   d_trail_lim.push_back(static_cast<int>(d_trail.size()));
+  d_theory_lim.push_back(d_theory_head);
 }
 
 void DpllSolver::cancel_until(int level) {
@@ -234,10 +235,11 @@ void DpllSolver::cancel_until(int level) {
     return;
   }
   if (d_theory_on) {
-    // What the dropped levels told the theories is taken back by the
-    // manager; the head falls to the start of the first dropped level.
-    d_theory_head =
-        std::min(d_theory_head, static_cast<uint32_t>(d_trail_lim[level]));
+    // What the theories heard since the first dropped level opened is
+    // taken back by them, also literals of lower levels that reached them
+    // late (a backtrack level opens before the theories catch up); the
+    // head falls back to where it stood when that level opened.
+    d_theory_head = std::min(d_theory_head, d_theory_lim[level]);
     theory_cancel_until(level);
   }
   const int cache = d_config->branching_cache_phase;
@@ -260,6 +262,7 @@ void DpllSolver::cancel_until(int level) {
   d_qhead = static_cast<uint32_t>(start);
   d_trail.resize(start);
   d_trail_lim.resize(level);
+  d_theory_lim.resize(level);
 }
 
 void DpllSolver::build_model() {

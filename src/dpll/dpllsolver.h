@@ -569,6 +569,8 @@ class DpllSolver {
   // Theory side.
   // Trail literals below the head have been given to the theories.
   uint32_t d_theory_head = 0;
+  // The theory head when each decision level opened.
+  std::vector<uint32_t> d_theory_lim;
   std::unordered_map<int, int> d_lemma_ids;
   std::vector<Clause*> d_stored_lemmas;
 

@@ -39,6 +39,7 @@ void DpllSolver::set_theory_manager(TheoryManager* tm) {
   d_theory = tm;
   d_theory_on = tm != nullptr;
   d_theory_head = 0;
+  std::fill(d_theory_lim.begin(), d_theory_lim.end(), 0);
 }
 
 // ---------------------------------------------------------------------------

@@ -157,6 +157,21 @@ TEST_F(Incremental, PopTakesTheoryAtomsAndTheUnsatMarkAway) {
   check_old_models();
 }
 
+TEST_F(Incremental, FactsBelowAPoppedLevelStayWithTheTheory) {
+  // The level-0 disequality reaches EUF after the backtrack level opened.
+  zenlo_term a = c("a"), b = c("b");
+  assert_(neq(f(a), f(b)));
+  push();
+  EXPECT_EQ(solve(), ZENLO_SAT);
+  pop();
+  push();
+  assert_(eq(a, b));
+  EXPECT_EQ(solve(), ZENLO_UNSAT);
+  pop();
+  EXPECT_EQ(solve(), ZENLO_SAT);
+  check_old_models();
+}
+
 TEST_F(Incremental, ModelsFollowTheLevelsOfAChainOfFunctionApplications) {
   // f^k(a) = a at level k, with a != f(a) below and f(f(a)) != a beside
   // it: unsat for k 1 and 2, sat from 3 on with a cycle of k points.

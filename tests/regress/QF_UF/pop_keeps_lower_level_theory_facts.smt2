@@ -1,0 +1,20 @@
+; ARGS: -model
+; A fact of level 0 reaches the congruence closure only after the first
+; backtrack level has opened; the pop of that level must not take it away.
+(set-logic QF_UF)
+(declare-sort U 0)
+(declare-fun c7 () U)
+(declare-fun c12 () U)
+(declare-fun f (U) U)
+(assert (not (= (f c12) (f c7))))
+(push 1)
+(set-info :status sat)
+(check-sat)
+(pop 1)
+(push 1)
+(assert (= c7 c12))
+(set-info :status unsat)
+(check-sat)
+(pop 1)
+(set-info :status sat)
+(check-sat)
