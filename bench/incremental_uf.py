@@ -63,7 +63,7 @@ def header(n_consts):
     return out
 
 
-def generate(rounds, seed, n_consts=14, base_clauses=60):
+def generate(rounds, seed, n_consts=10, base_clauses=50):
     """Returns (incremental script, [one-shot scripts])."""
     rng = random.Random(seed)
     gen = Gen(rng, n_consts)
@@ -73,7 +73,7 @@ def generate(rounds, seed, n_consts=14, base_clauses=60):
     shots = []
     for _ in range(rounds):
         extra = ["(assert %s)" % gen.clause(rng.choice((1, 1, 2)), 0.25)
-                 for _ in range(rng.randint(4, 10))]
+                 for _ in range(rng.randint(8, 16))]
         inc += ["(push 1)"] + extra + ["(check-sat)", "(pop 1)"]
         shots.append("\n".join(header(n_consts) + base + extra
                                + ["(check-sat)", ""]))

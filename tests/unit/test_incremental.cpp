@@ -19,6 +19,7 @@ class Incremental : public ::testing::Test {
   Incremental() {
     zenlo_config cfg = zenlo_create_config();
     zenlo_set_option(cfg, "model_generation", "true");
+    zenlo_set_option(cfg, "dpll.store_tlemmas", "true");
     d_env = zenlo_create_env(cfg);
     zenlo_destroy_config(cfg);
     d_u = zenlo_get_simple_type(d_env, "U");
@@ -206,6 +207,56 @@ TEST_F(Incremental, AssumptionsOverTheoryAtomsAndTheirCore) {
   }
   // The stack alone is still satisfiable.
   EXPECT_EQ(solve(), ZENLO_SAT);
+  check_old_models();
+}
+
+int count_models(zenlo_model_iterator it, void* count) {
+  EXPECT_TRUE(zenlo_model_iterator_has_next(it));
+  ++*static_cast<int*>(count);
+  return 1;
+}
+
+TEST_F(Incremental, LemmasFormulasCollectionAndDiversification) {
+  zenlo_term a = c("a"), b = c("b"), d = c("d");
+  assert_(neq(f(a), f(d)));
+  push();
+  assert_(eq(a, b));
+  assert_(zenlo_make_or(d_env, eq(b, d), eq(f(b), b)));
+  EXPECT_EQ(solve(), ZENLO_SAT);
+  size_t n = 0;
+  zenlo_term* lemmas = zenlo_get_theory_lemmas(d_env, &n);
+  ASSERT_NE(lemmas, nullptr);
+  EXPECT_GT(n, 0u);  // (b = d) fails by congruence with a = b
+  zenlo_free(lemmas);
+  pop();
+  EXPECT_EQ(solve(), ZENLO_SAT);
+  lemmas = zenlo_get_theory_lemmas(d_env, &n);
+  zenlo_free(lemmas);
+  EXPECT_EQ(n, 0u) << "lemmas of the popped level are gone";
+
+  // Formulas come back as asserted, across a collection that rebuilds
+  // the solver from them.
+  push();
+  assert_(eq(f(a), b));
+  check_old_models();  // a collection may take their values away
+  ASSERT_EQ(zenlo_gc_env(d_env, nullptr, 0), 0);
+  zenlo_term* formulas = zenlo_get_asserted_formulas(d_env, &n);
+  ASSERT_EQ(n, 2u);
+  EXPECT_EQ(formulas[1].repr, d_levels[1][0].repr);
+  zenlo_free(formulas);
+  EXPECT_EQ(solve(), ZENLO_SAT);
+  char* stats = zenlo_get_search_stats(d_env);
+  ASSERT_NE(stats, nullptr);
+  EXPECT_NE(std::string(stats).find(":sat-checks"), std::string::npos);
+  zenlo_free(stats);
+
+  // Three Boolean atoms over the classes of a, b, d: a = d is excluded, so
+  // the diversified models number the partitions with a, d apart.
+  zenlo_term div[] = {eq(a, b), eq(b, d), eq(a, d)};
+  int count = 0;
+  EXPECT_EQ(zenlo_solve_diversify(d_env, div, 3, count_models, &count), 3);
+  EXPECT_EQ(count, 3);
+  pop();
   check_old_models();
 }
 
