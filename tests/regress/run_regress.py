@@ -6,7 +6,8 @@ Expected output comes, in this order of preference, from:
   - for .smt2, the (set-info :status X) in force at each (check-sat);
   - for .cnf, a comment line "c status sat|unsat".
 Extra command-line options come from a first-line comment "; ARGS: ..."
-(or "c ARGS: ..." in DIMACS). For DIMACS sat answers the model line is
+(or "c ARGS: ..." in DIMACS); -model is added unless NAME.expected
+exists. For DIMACS sat answers the model line is
 checked against every clause. For SMT-LIB 2, every model that the output
 shows (the pairs that -model prints under a sat answer, or the text of
 get-model) is checked by an independent solver (z3): the script up to that
@@ -103,8 +104,9 @@ def main():
     is_cnf = path.endswith(".cnf")
     if is_cnf and "-input=dimacs" not in args:
         args = ["-input=dimacs"] + args
-    if is_cnf and not os.path.exists(path + ".expected") \
-            and "-model" not in args:
+    # Without an exact expected output every sat answer shows its model,
+    # and every model is checked.
+    if not os.path.exists(path + ".expected") and "-model" not in args:
         args.append("-model")
     proc = subprocess.run([zenlo] + args + [path], capture_output=True,
                           text=True, timeout=600)
