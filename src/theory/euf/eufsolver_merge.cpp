@@ -312,11 +312,9 @@ void Solver::deduce_separated(EqNode* cls, EqNode* sep) {
       c = c->next;
     } while (c != first);
   }
-  EqWatch* first = cls->watches;
-  EqWatch* x = first;
-  do {
+  walk_live_watches(cls, [this, sep](EqWatch* x) {
     EqNode* r = x->other->root;
-    if (has_value(x->atom_node)) {
+    if (x->atom_node == d_asserting) {
       // known already
     } else if (r->diseq_stamp == d_diseq_stamp) {
       DiseqCell* c = r->diseq_cell;
@@ -326,8 +324,21 @@ void Solver::deduce_separated(EqNode* cls, EqNode* sep) {
       queue_implied(
           x->atom, false, Reason{x->self, sep, x->other, r, tlit_Undef});
     }
-    x = x->next;
-  } while (x != first);
+  });
+}
+
+void Solver::drop_watch(EqNode* root, EqWatch* prev, EqWatch* x) {
+  const bool was_head = root->watches == x;
+  if (x->next == x) {
+    root->watches = nullptr;
+  } else {
+    prev->next = x->next;
+    if (was_head) {
+      root->watches = prev;
+    }
+  }
+  --root->watch_count;
+  d_undo.push(UndoCell{UndoKind::DropWatch, was_head, x, prev, root});
 }
 
 void Solver::deduce_class_value(EqNode* cls, EqNode* value) {
