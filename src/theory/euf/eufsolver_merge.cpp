@@ -269,15 +269,11 @@ void Solver::deduce_on_merge(EqNode* w, EqNode* l) {
   }
   EqNode* shorter = w->watch_count <= l->watch_count ? w : l;
   EqNode* other = shorter == w ? l : w;
-  if (EqWatch* first = shorter->watches) {
-    EqWatch* x = first;
-    do {
-      if (x->other->root == other && !has_value(x->atom_node)) {
-        queue_implied(x->atom, true, Reason{x->self, x->other});
-      }
-      x = x->next;
-    } while (x != first);
-  }
+  walk_live_watches(shorter, [this, other](EqWatch* x) {
+    if (x->other->root == other && x->atom_node != d_asserting) {
+      queue_implied(x->atom, true, Reason{x->self, x->other});
+    }
+  });
   if (w == d_true_node || w == d_false_node) {
     deduce_class_value(l, w);
   }
@@ -358,21 +354,15 @@ void Solver::deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
   EqNode* rb = b->root;
   EqNode* shorter = ra->watch_count <= rb->watch_count ? ra : rb;
   EqNode* other = shorter == ra ? rb : ra;
-  EqWatch* first = shorter->watches;
-  if (first == nullptr) {
-    return;
-  }
-  EqWatch* x = first;
-  do {
-    if (x->other->root == other && !has_value(x->atom_node)) {
+  walk_live_watches(shorter, [&](EqWatch* x) {
+    if (x->other->root == other && x->atom_node != d_asserting) {
       // Sides in the order of a and b.
       bool a_side = x->self->root == ra;
       EqNode* sa = a_side ? x->self : x->other;
       EqNode* sb = a_side ? x->other : x->self;
       queue_implied(x->atom, false, Reason{sa, a, sb, b, hyp});
     }
-    x = x->next;
-  } while (x != first);
+  });
 }
 
 void Solver::deduce_on_tell(EqNode* n) {
