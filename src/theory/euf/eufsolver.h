@@ -240,7 +240,7 @@ class Solver {
     Canon,      // a: cons node whose canonical cons was set
     Neq,        // a, b: the two disequality cells
     Proof,      // a, b: the two ends of a forest edge
-    Implied,    // a: atom term whose reason was stored
+    Implied,    // a: atom node whose reason was stored
     DropWatch,  // a: watch taken out, b: its predecessor, c: the class root,
                 // flag: it was the head of the list
   };
@@ -353,7 +353,7 @@ class Solver {
   void deduce_on_tell(EqNode* atom_node);
   DiseqCell* find_diseq(EqNode* ra, EqNode* rb) const;
   void add_watch(EqWatch* w);
-  void queue_implied(const Term_* atom, bool value, const Reason& why);
+  void queue_implied(EqNode* atom_node, bool value, const Reason& why);
 
   // ---- Explaining (eufsolver_explain.cpp) ----------------------------------
   void begin_explanation();

@@ -271,7 +271,7 @@ void Solver::deduce_on_merge(EqNode* w, EqNode* l) {
   EqNode* other = shorter == w ? l : w;
   walk_live_watches(shorter, [this, other](EqWatch* x) {
     if (x->other->root == other && x->atom_node != d_asserting) {
-      queue_implied(x->atom, true, Reason{x->self, x->other});
+      queue_implied(x->atom_node, true, Reason{x->self, x->other});
     }
   });
   if (w == d_true_node || w == d_false_node) {
@@ -314,11 +314,12 @@ void Solver::deduce_separated(EqNode* cls, EqNode* sep) {
       // known already
     } else if (r->diseq_stamp == d_diseq_stamp) {
       DiseqCell* c = r->diseq_cell;
-      queue_implied(
-          x->atom, false, Reason{x->self, c->self, x->other, c->other, c->lit});
+      queue_implied(x->atom_node,
+                    false,
+                    Reason{x->self, c->self, x->other, c->other, c->lit});
     } else if (sep->is_value && r->is_value && r != sep) {
       queue_implied(
-          x->atom, false, Reason{x->self, sep, x->other, r, tlit_Undef});
+          x->atom_node, false, Reason{x->self, sep, x->other, r, tlit_Undef});
     }
   });
 }
@@ -341,7 +342,7 @@ void Solver::deduce_class_value(EqNode* cls, EqNode* value) {
   EqNode* m = cls;
   do {
     if (m->told && m != d_asserting) {
-      queue_implied(m->term, value == d_true_node, Reason{m, value});
+      queue_implied(m, value == d_true_node, Reason{m, value});
     }
     m = m->next;
   } while (m != cls);
@@ -360,7 +361,7 @@ void Solver::deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
       bool a_side = x->self->root == ra;
       EqNode* sa = a_side ? x->self : x->other;
       EqNode* sb = a_side ? x->other : x->self;
-      queue_implied(x->atom, false, Reason{sa, a, sb, b, hyp});
+      queue_implied(x->atom_node, false, Reason{sa, a, sb, b, hyp});
     }
   });
 }
@@ -368,7 +369,7 @@ void Solver::deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
 void Solver::deduce_on_tell(EqNode* n) {
   EqNode* r = n->root;
   if (r == d_true_node || r == d_false_node) {
-    queue_implied(n->term, r == d_true_node, Reason{n, r});
+    queue_implied(n, r == d_true_node, Reason{n, r});
     return;
   }
   const Term_* atom = n->term;
@@ -378,14 +379,14 @@ void Solver::deduce_on_tell(EqNode* n) {
   EqNode* a = node_or_null(atom->get_child(0));
   EqNode* b = node_or_null(atom->get_child(1));
   if (a->root == b->root) {
-    queue_implied(atom, true, Reason{a, b});
+    queue_implied(n, true, Reason{a, b});
   } else if (DiseqCell* c = find_diseq(a->root, b->root)) {
     bool a_side = c->self->root == a->root;
     EqNode* ca = a_side ? c->self : c->other;
     EqNode* cb = a_side ? c->other : c->self;
-    queue_implied(atom, false, Reason{a, ca, b, cb, c->lit});
+    queue_implied(n, false, Reason{a, ca, b, cb, c->lit});
   } else if (a->root->is_value && b->root->is_value) {
-    queue_implied(atom, false, Reason{a, a->root, b, b->root, tlit_Undef});
+    queue_implied(n, false, Reason{a, a->root, b, b->root, tlit_Undef});
   }
 }
 

@@ -100,9 +100,12 @@ void Solver::undo(const UndoCell& c) {
       undo_proof(static_cast<EqNode*>(c.a), static_cast<EqNode*>(c.b));
       break;
     case UndoKind::DropWatch: undo_drop_watch(c); break;
-    case UndoKind::Implied:
-      d_reasons.erase(static_cast<const Term_*>(c.a));
+    case UndoKind::Implied: {
+      auto* n = static_cast<EqNode*>(c.a);
+      n->implied = false;
+      d_reasons.erase(n->term);
       break;
+    }
   }
 }
 
