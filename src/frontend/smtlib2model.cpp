@@ -47,11 +47,18 @@ std::string define_fun(TermManager& tm,
   out << "(define-fun " << printer.to_smtlib(s) << " ("
       << parameter_list(printer, s) << ") "
       << printer.to_smtlib(s->get_output_type()) << ' ';
-  for (size_t i = 0; i + 1 < points.size(); ++i) {
-    append_point(tm, printer, out, points[i]);
+  if (s->get_arity() == 0) {
+    print_value(tm, printer, out, points.front().second, s->get_output_type());
+    out << ')';
+    return out.str();
   }
-  print_value(tm, printer, out, points.back().second, s->get_output_type());
-  out << std::string(points.size() - 1, ')') << ')';
+  // The first point's value closes the table: it is the value the model
+  // gives to every point it does not list, so get-value agrees.
+  for (const ModelAssignment& point : points) {
+    append_point(tm, printer, out, point);
+  }
+  print_value(tm, printer, out, points.front().second, s->get_output_type());
+  out << std::string(points.size(), ')') << ')';
   return out.str();
 }
 

@@ -175,6 +175,9 @@ void ModelStore::collect_points(const std::vector<TermList>& classes) {
         throw error("Invalid model");  // congruence broken
       }
       d_values[point] = v;
+      if (!d_seen.contains(m)) {
+        continue;  // only the points the model lists may give the default
+      }
       const Term_* const* def = d_function_defaults.get(m->get_symbol());
       if (def == nullptr) {
         d_function_defaults.insert(m->get_symbol(), point);

@@ -407,7 +407,8 @@ TEST(SmtLib2ModelTextTest, FunctionsNestTheirPointsAndEndInADefault) {
   EXPECT_EQ(entries[0], "(define-fun x () Real (to_real (- 4)))");
   EXPECT_EQ(entries[1],
             "(define-fun f ((?X1 Int) (?X2 Real)) Real (ite (and (= ?X1 1) "
-            "(= ?X2 (to_real 2))) (to_real 3) (to_real 7)))");
+            "(= ?X2 (to_real 2))) (to_real 3) (ite (and (= ?X1 5) "
+            "(= ?X2 (to_real 6))) (to_real 7) (to_real 3))))");
 }
 
 TEST(SmtLib2ModelTextTest, ResponsesPrintInTheirListForms) {
