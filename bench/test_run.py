@@ -171,6 +171,24 @@ class Failures(Runner):
         rc, out, err, rows = self.run_bench("badmodel", CNF)
         self.assertEqual(rc, 0, "models are checked only on request")
 
+    @unittest.skipUnless(shutil.which("z3"), "z3 checks SMT-LIB models")
+    def test_smt_models_are_checked_by_z3_at_every_sat_answer(self):
+        rc, out, err, rows = self.run_bench("right", "--check-models", SMT)
+        self.assertEqual(rc, 0, out + err)
+        self.assertNotIn("models:", out)
+        rc, out, err, rows = self.run_bench("badmodel", "--check-models",
+                                            SMT)
+        self.assertEqual(rc, 1)
+        self.assertIn("push_pop.smt2  model: query 1: an assertion is false",
+                      out)
+        self.assertIn("no_status.smt2  model: an assertion is false", out)
+
+    def test_smt_models_not_given_yet_are_skipped_with_a_note(self):
+        rc, out, err, rows = self.run_bench("error", "--check-models", SMT)
+        self.assertNotIn("WRONG", out)
+        self.assertIn("models: 2 runs with sat answers of zenlo's not "
+                      "checked", out)
+
     def test_bad_usage_is_reported_not_run(self):
         cases = [(["--zenlo", "/nonexistent/zenlo", SMT], "zenlo not found"),
                  ([os.path.join(DATA, "missing.smt2")], "no such file"),
