@@ -105,8 +105,8 @@ class PlantedBug(unittest.TestCase):
         proc = subprocess.run(["z3", "-smt2", "-in"], input=small,
                               capture_output=True, text=True)
         self.assertEqual(proc.stdout.split()[0], status)
-        self.assertIn("; replay: bench/fuzz --logic QF_BOOL --no-models --replay %d"
-                      % seed, small)
+        self.assertIn("; replay: bench/fuzz --logic QF_BOOL --no-models "
+                      "--replay %d" % seed, small)
         self.assertLess(small.count("(assert"), orig.count("(assert"))
         replay = subprocess.run(base + ["--replay", str(seed)],
                                 capture_output=True, text=True, timeout=60)

@@ -146,7 +146,8 @@ def model_replies(out):
 def with_model_queries(text):
     """The script, as written, asking for a model behind every check.
     Models are switched on first, since later it is too late."""
-    lexeme = re.compile(r';[^\n]*|\(|\)|"(?:[^"]|"")*"|\|[^|]*\||[^\s()"|;]+')
+    lexeme = re.compile(
+        r';[^\n]*|\(|\)|"(?:[^"]|"")*"|\|[^|]*\||[^\s()"|;]+')
     out, depth, head, last = ["(set-option :produce-models true)\n"], 0, \
         None, 0
     for m in lexeme.finditer(text):
