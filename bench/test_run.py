@@ -15,7 +15,7 @@ DATA = os.path.join(HERE, "testdata")
 SMT, CNF = os.path.join(DATA, "smt"), os.path.join(DATA, "cnf")
 sys.path.insert(0, HERE)
 
-from zbench import inputs, judge  # noqa: E402
+from zbench import inputs, judge, smt2_models  # noqa: E402
 
 
 def fake(mode):
@@ -221,6 +221,63 @@ class Inputs(unittest.TestCase):
                       judge.check_dimacs_model(clauses, [1, -1, 3]))
         self.assertIn("without a model",
                       judge.check_dimacs_model(clauses, None))
+
+
+SCOPED = """(declare-sort U 0)
+(declare-fun a () U)
+(declare-fun f (U Bool) U)
+(declare-fun p () Bool)
+(assert (distinct (f a p) (f a true)))
+(check-sat)
+(push 1)
+(declare-const c U)
+(assert (= c a))
+(check-sat-assuming ((not p)))
+(pop 1)
+(check-sat)
+"""
+MODEL = """(model
+  (define-fun a () U .u0)
+  (define-fun p () Bool false)
+  (define-fun f ((?X1 U) (?X2 Bool)) U (ite (and (= ?X1 .u0) (= ?X2 false))
+    (as @v U) .u0))
+%s)"""
+
+
+@unittest.skipUnless(shutil.which("z3"), "z3 checks SMT-LIB models")
+class SmtModels(unittest.TestCase):
+    def problems(self, *models):
+        out = "".join("sat\n%s\n" % m for m in models)
+        return [(n, why.split("\n")[0])
+                for n, why in smt2_models.check_output(SCOPED, out)]
+
+    def test_models_that_hold_at_every_scope(self):
+        c = "  (define-fun c () U .u0)\n"
+        self.assertEqual(self.problems(MODEL % "", MODEL % c, MODEL % ""),
+                         [])
+
+    def test_missing_ill_sorted_and_false_models(self):
+        good, c = MODEL % "", "  (define-fun c () U .u0)\n"
+        self.assertEqual(self.problems(good, good, good),
+                         [(2, "no value for c")])
+        self.assertEqual(self.problems(
+            good, MODEL.replace("U .u0)", "Bool true)", 1) % c, good),
+            [(2, "value of a has sort Bool, declared U")])
+        # Distinct abstract values are distinct elements.
+        self.assertEqual(self.problems(good.replace("(as @v U)", ".u0"),
+                                       MODEL % c, good),
+                         [(1, "an assertion is false in the model")])
+        # The assumption (not p) must hold too.
+        self.assertEqual(self.problems(
+            good, (MODEL % c).replace("Bool false", "Bool true"), good),
+            [(2, "an assertion is false in the model")])
+
+    def test_pairs_of_minus_model_pin_values_only(self):
+        script = "(declare-fun x () Bool)(assert x)(check-sat)"
+        self.assertEqual(smt2_models.check_output(
+            script, "sat\n( (x true) )\n"), [])
+        self.assertEqual(len(smt2_models.check_output(
+            script, "sat\n( (x false) )\n")), 1)
 
 
 if __name__ == "__main__":
