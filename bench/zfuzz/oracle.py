@@ -63,12 +63,15 @@ def run(argv, text, suffix, timeout):
     return Run(p.stdout, p.stderr, p.returncode)
 
 
-def _crash(r):
-    if r.status is not None and r.status != 0:
+def _run_failed(r, v, timeout):
+    """Records a timeout or a crash of zenlo's run `r` in `v`."""
+    if r.status is None:
+        v.kind, v.detail = "timeout", "no answer in %gs" % timeout
+    elif r.status != 0:
         why = next((l for l in r.err.splitlines() if "ERROR" in l
                     or "runtime error" in l), r.err.strip()[:200])
-        return "exit status %d: %s" % (r.status, why)
-    return None
+        v.kind, v.detail = "crash", "exit status %d: %s" % (r.status, why)
+    return v.kind is not None
 
 
 # ------------------------------------------------------------------ SMT-LIB
@@ -94,12 +97,7 @@ class SmtOracle:
         probe = smt2_models.with_model_queries(text) if self.models else text
         z = run([self.zenlo] + self.args + list(extra_args), probe, ".smt2",
                 self.timeout)
-        if z.status is None:
-            v.kind, v.detail = "timeout", "no answer in %gs" % self.timeout
-            return v
-        crash = _crash(z)
-        if crash:
-            v.kind, v.detail = "crash", crash
+        if _run_failed(z, v, self.timeout):
             return v
         self._read(z.out, v)
         if v.kind is None:
@@ -191,12 +189,7 @@ class CnfOracle:
         v.reference = parsed.answers
         z = run([self.zenlo, "-input=dimacs", "-model"] + self.args
                 + list(extra_args), text, ".cnf", self.timeout)
-        if z.status is None:
-            v.kind, v.detail = "timeout", "no answer in %gs" % self.timeout
-            return v
-        crash = _crash(z)
-        if crash:
-            v.kind, v.detail = "crash", crash
+        if _run_failed(z, v, self.timeout):
             return v
         mine = solvers.parse_dimacs_output(z.out)
         v.zenlo = mine.answers
