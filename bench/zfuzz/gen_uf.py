@@ -4,6 +4,7 @@ some with a Bool argument. Few constants per sort, so that equalities
 collide and unsat is common."""
 LOGIC = "QF_UF"
 SORTS = ("U", "V")
+ASSERTIONS = (3, 16)
 
 
 def declare(rng, sig):
