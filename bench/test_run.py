@@ -249,7 +249,7 @@ class SmtModels(unittest.TestCase):
     def problems(self, *models):
         out = "".join("sat\n%s\n" % m for m in models)
         return [(n, why.split("\n")[0])
-                for n, why in smt2_models.check_output(SCOPED, out)]
+                for n, why in smt2_models.check_output(SCOPED, out).problems]
 
     def test_models_that_hold_at_every_scope(self):
         c = "  (define-fun c () U .u0)\n"
@@ -275,9 +275,21 @@ class SmtModels(unittest.TestCase):
     def test_pairs_of_minus_model_pin_values_only(self):
         script = "(declare-fun x () Bool)(assert x)(check-sat)"
         self.assertEqual(smt2_models.check_output(
-            script, "sat\n( (x true) )\n"), [])
+            script, "sat\n( (x true) )\n").problems, [])
         self.assertEqual(len(smt2_models.check_output(
-            script, "sat\n( (x false) )\n")), 1)
+            script, "sat\n( (x false) )\n").problems), 1)
+
+    def test_probed_sat_answer_needs_a_model_unless_not_supported(self):
+        script = "(declare-fun x () Bool)(assert x)(check-sat)"
+        r = smt2_models.check_output(
+            script, 'sat\n(error "model not available")\n', probed=True)
+        self.assertEqual(r.problems, [(1, 'get-model after sat answered '
+                                          '(error "model not available")')])
+        r = smt2_models.check_output(
+            script, 'sat\n(error "models are not supported yet")\n',
+            probed=True)
+        self.assertEqual((r.problems, r.checked), ([], 0))
+        self.assertIn("not supported yet", r.skipped)
 
 
 if __name__ == "__main__":

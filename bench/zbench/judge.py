@@ -190,38 +190,14 @@ def check_smt_model(o, rerun):
     if out is None:
         o.note = o.note or "model not checked: no second run"
         return None
-    shots = smt2_models.snapshots(
-        smt2_models.split_commands(smt2_models.without_comments(text)))
-    checked, skipped = 0, None
-    for i, (answer, reply) in enumerate(smt2_models.model_replies(out)):
-        if answer != SAT or i >= len(shots):
-            continue
-        where = _query(o.bench, i)
-        if not_available(reply):
-            skipped = skipped or "model not checked: %s" % first_line(
-                smt2_models.show(reply) if reply else "no reply")
-            continue
-        if not smt2_models.is_model(reply):
-            return "%sget-model after sat answered %s" % (
-                where, first_line(smt2_models.show(reply)))
-        try:
-            why = smt2_models.check_model(shots[i], reply)
-        except smt2_models.ModelError as e:
-            why = str(e)
-        except RuntimeError as e:  # no z3
-            o.note = o.note or "model not checked: %s" % e
-            return None
-        if why:
-            return where + why
-        checked += 1
-    if skipped and not o.note:
-        o.note = skipped
-    return "" if checked else None
-
-
-def not_available(reply):
-    """Whether a get-model reply says that models are not there to ask
-    for, rather than that this one failed."""
-    text = smt2_models.show(reply) if reply is not None else ""
-    return reply is None or text == "unsupported" \
-        or "not supported yet" in text
+    try:
+        result = smt2_models.check_output(text, out, probed=True)
+    except RuntimeError as e:  # no z3
+        o.note = o.note or "model not checked: %s" % e
+        return None
+    if result.problems:
+        index, why = result.problems[0]
+        return _query(o.bench, index - 1) + why
+    if result.skipped and not o.note:
+        o.note = "model not checked: %s" % first_line(result.skipped)
+    return "" if result.checked else None

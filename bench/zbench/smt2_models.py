@@ -175,7 +175,8 @@ class Snapshot:
     assumptions."""
 
     def __init__(self, items, assumptions):
-        self.items = items  # (kind, command); kind "sort"/"decl"/"def"/"assert"
+        # (kind, command), kind one of "sort", "decl", "def", "assert"
+        self.items = items
         self.assumptions = assumptions
 
     def declared(self):
@@ -397,18 +398,49 @@ def check_model(shot, model, z3=None, timeout=60):
     return None
 
 
-def check_output(script_text, out, z3=None):
-    """Checks every model shown in zenlo's output `out` for the script.
-    Returns [(check number from 1, reason)] for the models that fail."""
+class Checked:
+    """What check_output found: the models that fail, as (check number
+    from 1, reason), how many held, and why some sat answer had no model
+    to check ("" when every one had)."""
+
+    def __init__(self):
+        self.problems, self.checked, self.skipped = [], 0, ""
+
+
+def check_output(script_text, out, z3=None, probed=False):
+    """Checks every model that zenlo's output `out` shows behind a sat
+    answer to the script. With `probed`, the script ran with a (get-model)
+    behind every check (with_model_queries), so each sat answer must be
+    followed by a model, or by word that models are not there yet."""
     shots = snapshots(split_commands(without_comments(script_text)))
-    problems = []
+    result = Checked()
+    replies = model_replies(out)
     for index, model in models_in_output(out):
-        if index >= len(shots):
+        if index >= len(shots) or replies[index][0] != "sat":
             continue
         try:
             why = check_model(shots[index], model, z3)
         except ModelError as e:
             why = str(e)
         if why:
-            problems.append((index + 1, why))
-    return problems
+            result.problems.append((index + 1, why))
+        else:
+            result.checked += 1
+    for index, (answer, reply) in enumerate(replies if probed else []):
+        if answer != "sat":
+            continue
+        if not_available(reply):
+            result.skipped = result.skipped or show(reply or "no reply")
+        elif not is_model(reply):
+            result.problems.append(
+                (index + 1, "get-model after sat answered %s" % show(reply)))
+    result.problems.sort(key=lambda p: p[0])
+    return result
+
+
+def not_available(reply):
+    """Whether a get-model reply says that models are not there to ask
+    for, rather than that this one failed."""
+    text = show(reply) if reply is not None else ""
+    return reply is None or text == "unsupported" \
+        or "not supported yet" in text

@@ -141,27 +141,12 @@ class SmtOracle:
                                                    len(v.reference))
 
     def _check_models(self, text, out, v):
-        shots = smt2_models.snapshots(
-            smt2_models.split_commands(smt2_models.without_comments(text)))
-        for i, (answer, reply) in enumerate(smt2_models.model_replies(out)):
-            if answer != "sat" or i >= len(shots):
-                continue
-            if judge.not_available(reply):
-                v.unsupported = v.unsupported or smt2_models.show(
-                    reply or "no reply to get-model")
-                return
-            why = None
-            if not smt2_models.is_model(reply):
-                why = "get-model answered %s" % smt2_models.show(reply)
-            else:
-                try:
-                    why = smt2_models.check_model(shots[i], reply, self.z3)
-                except smt2_models.ModelError as e:
-                    why = str(e)
-            if why:
-                v.kind, v.detail = "model", "query %d: %s" % (i + 1, why)
-                return
-            v.models_checked += 1
+        result = smt2_models.check_output(text, out, self.z3, probed=True)
+        if result.problems:
+            index, why = result.problems[0]
+            v.kind, v.detail = "model", "query %d: %s" % (index, why)
+        v.models_checked = result.checked
+        v.unsupported = v.unsupported or result.skipped
 
 
 # ------------------------------------------------------------------- DIMACS
