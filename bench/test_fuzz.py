@@ -113,6 +113,19 @@ class PlantedBug(unittest.TestCase):
         self.assertEqual(replay.returncode, 1)
         self.assertIn("verdict: answer", replay.stdout)
 
+    def test_true_models_of_incremental_scripts_all_pass(self):
+        # z3's own models in zenlo's form: the model check must accept
+        # them under push/pop and assumptions, or it would cry wolf.
+        zenlo = os.path.join(HERE, "testdata", "fake_z3_models")
+        proc = subprocess.run(
+            [sys.executable, FUZZ, "--zenlo", zenlo, "--logic", "QF_UF",
+             "--incremental", "-n", "6", "--seed", "9", "--no-reduce",
+             "-o", tempfile.gettempdir()],
+            capture_output=True, text=True, timeout=300)
+        self.assertEqual(proc.returncode, 0, proc.stdout + proc.stderr)
+        row = proc.stdout.split("QF_UF ")[-1].split()
+        self.assertGreater(int(row[4]), 10, proc.stdout)  # models checked
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -39,10 +39,13 @@ BOOL_OPS = ("and", "or", "not", "=>", "xor")
 # ------------------------------------------------------------------ reading
 
 
+_TOKEN = re.compile(r'\(|\)|"(?:[^"]|"")*"|\|[^|]*\||;[^\n]*|[^\s()"|;]+')
+
+
 def tokens(text):
-    """Parentheses, strings, quoted symbols and atoms of `text`."""
-    pattern = re.compile(r'\(|\)|"(?:[^"]|"")*"|\|[^|]*\||[^\s()"|]+')
-    return pattern.findall(text)
+    """Parentheses, strings, quoted symbols and atoms of `text`; comments
+    are skipped."""
+    return [t for t in _TOKEN.findall(text) if t[0] != ";"]
 
 
 def parse(text):
