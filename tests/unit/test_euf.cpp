@@ -303,6 +303,54 @@ TEST_F(EufTest, DeducesFalseEqualitiesFromDisequalities) {
             sorted({eq(x, tm.make_number(1)), eq(y, tm.make_number(2))}));
 }
 
+// Watches of atoms that have a value leave the class lists when a merge
+// walks them; backtracking below the value must bring them back, or the
+// atom would never be deduced again. Several atoms share the classes so
+// that the dropped watches include list heads and inner cells.
+TEST_F(EufTest, AtomsWithValuesAreDeducedAgainAfterBacktracking) {
+  euf::Solver s(&tm);
+  const Term_* a = constant("a");
+  const Term_* d = constant("d");
+  TermList bs;
+  Lits atoms;
+  for (int i = 0; i < 5; ++i) {
+    bs.push_back(constant("b" + std::to_string(i)));
+    atoms.push_back(eq(bs.back(), d));
+    s.tell_atom(atoms.back().atom());
+  }
+  auto implied = [&s]() {
+    Lits out;
+    TheoryLit l;
+    while (s.get_next_implied(l)) {
+      out.push_back(l);
+    }
+    return sorted(out);
+  };
+  ASSERT_TRUE(assert_all(s, {~eq(a, d)}));
+  for (int round = 0; round < 2; ++round) {
+    s.push_checkpoint();
+    // The atoms get values first, then the merges walk their watches.
+    if (round == 0) {
+      ASSERT_TRUE(assert_all(s, {~atoms[0], ~atoms[2], ~atoms[4]}));
+      implied();
+    }
+    for (const Term_* b : bs) {
+      ASSERT_TRUE(assert_all(s, {eq(b, a)}));
+    }
+    Lits got = implied();
+    Lits want;
+    for (size_t i = round == 0 ? 1 : 0; i < atoms.size();
+         i += round == 0 ? 2 : 1) {
+      want.push_back(~atoms[i]);
+    }
+    for (TheoryLit l : want) {
+      EXPECT_NE(std::find(got.begin(), got.end(), l), got.end())
+          << "round " << round << ": " << l.atom()->to_str();
+    }
+    s.backtrack(1);
+  }
+}
+
 TEST_F(EufTest, BooleanArgumentsFollowTheirTruthValues) {
   euf::Solver s(&tm);
   const Type* bt = tm.get_bool_type();

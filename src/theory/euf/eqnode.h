@@ -42,6 +42,9 @@ struct EqNode {
   bool is_value;
   // A Boolean atom whose truth value the search wants deduced.
   bool told;
+  // A Boolean atom whose deduction the search has taken: deducing it again
+  // (merges often do) is no news until that is undone.
+  bool implied;
   // Number of members, meaningful at a root.
   uint32_t size;
   // Number of cons nodes on the use list, meaningful at a root.

@@ -336,26 +336,31 @@ void Solver::push_checkpoint() {
 // Deductions
 // ---------------------------------------------------------------------------
 
-void Solver::queue_implied(const Term_* atom, bool value, const Reason& why) {
+void Solver::queue_implied(EqNode* atom_node, bool value, const Reason& why) {
   ++d_stats.deductions;
-  d_implied.push_back(Implied{TheoryLit(atom, !value), why});
+  if (!atom_node->implied) {
+    d_implied.push_back(Implied{TheoryLit(atom_node->term, !value), why});
+  }
 }
 
 bool Solver::get_next_implied(TheoryLit& lit) {
-  if (d_implied_head == d_implied.size()) {
-    d_implied.clear();
-    d_implied_head = 0;
-    return false;
+  while (d_implied_head < d_implied.size()) {
+    const Implied& imp = d_implied[d_implied_head++];
+    // The first reason taken stays: the literal is implied from then on,
+    // and a later deduction of it may rest on younger facts.
+    EqNode* n = node_or_null(imp.lit.atom());
+    if (n->implied) {
+      continue;
+    }
+    n->implied = true;
+    d_reasons.insert(imp.lit.atom(), imp.reason);
+    push_undo(UndoKind::Implied, n);
+    lit = imp.lit;
+    return true;
   }
-  const Implied& imp = d_implied[d_implied_head++];
-  lit = imp.lit;
-  // The first reason taken stays: the literal is implied from then on, and
-  // a later deduction of it may rest on younger facts.
-  if (d_reasons.get(lit.atom()) == nullptr) {
-    d_reasons.insert(lit.atom(), imp.reason);
-    push_undo(UndoKind::Implied, const_cast<Term_*>(lit.atom()));
-  }
-  return true;
+  d_implied.clear();
+  d_implied_head = 0;
+  return false;
 }
 
 void Solver::get_implied_reason(TheoryLit lit, std::vector<TheoryLit>& out) {

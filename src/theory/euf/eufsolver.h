@@ -231,16 +231,18 @@ class Solver {
   };
 
   enum class UndoKind : uint8_t {
-    Start,     // a: atom term; marks where its nodes begin
-    Conflict,  // the solver became inconsistent
-    Symbol,    // a: symbol node
-    Cons,      // a: cons node
-    Tell,      // a: atom node, b/c: watches, flag: told before
-    Merge,     // a: winner, b: loser, c: list walked, flag: ids swapped
-    Canon,     // a: cons node whose canonical cons was set
-    Neq,       // a, b: the two disequality cells
-    Proof,     // a, b: the two ends of a forest edge
-    Implied,   // a: atom term whose reason was stored
+    Start,      // a: atom term; marks where its nodes begin
+    Conflict,   // the solver became inconsistent
+    Symbol,     // a: symbol node
+    Cons,       // a: cons node
+    Tell,       // a: atom node, b/c: watches, flag: told before
+    Merge,      // a: winner, b: loser, c: list walked, flag: ids swapped
+    Canon,      // a: cons node whose canonical cons was set
+    Neq,        // a, b: the two disequality cells
+    Proof,      // a, b: the two ends of a forest edge
+    Implied,    // a: atom node whose reason was stored
+    DropWatch,  // a: watch taken out, b: its predecessor, c: the class root,
+                // flag: it was the head of the list
   };
 
   struct UndoCell {
@@ -300,6 +302,46 @@ class Solver {
   void deduce_class_value(EqNode* cls, EqNode* value);
   void deduce_separated(EqNode* cls, EqNode* sep);
 
+  // An equality atom with a value has nothing more to deduce from its
+  // watches until that value is undone. Deep in the search most atoms
+  // have one, and the walks over long watch lists spent most of their time
+  // on such watches: so a walk takes them out of the list as it meets them,
+  // and backtracking puts them back (cells are undone in reverse order, so
+  // the list is exactly as the walk left it when the cell is undone).
+  bool is_dead_watch(const EqWatch* x) const {
+    return x->atom_node->root == d_true_node
+           || x->atom_node->root == d_false_node;
+  }
+
+  void drop_watch(EqNode* root, EqWatch* prev, EqWatch* x);
+  void undo_drop_watch(const UndoCell& c);
+
+  // Calls visit(x) on each watch of the root `r` whose atom has no value,
+  // dropping the others.
+  template <class Visit>
+  void walk_live_watches(EqNode* r, Visit visit) {
+    EqWatch* head = r->watches;
+    if (head == nullptr) {
+      return;
+    }
+    EqWatch* prev = head;
+    EqWatch* x = head->next;
+    for (;;) {
+      EqWatch* next = x->next;
+      const bool last = x == head;
+      if (is_dead_watch(x)) {
+        drop_watch(r, prev, x);
+      } else {
+        visit(x);
+        prev = x;
+      }
+      if (last) {
+        return;
+      }
+      x = next;
+    }
+  }
+
   // An atom in the class of `true` or `false` was asserted (or is being
   // asserted): deducing it is no news.
   bool has_value(const EqNode* atom_node) const {
@@ -311,7 +353,7 @@ class Solver {
   void deduce_on_tell(EqNode* atom_node);
   DiseqCell* find_diseq(EqNode* ra, EqNode* rb) const;
   void add_watch(EqWatch* w);
-  void queue_implied(const Term_* atom, bool value, const Reason& why);
+  void queue_implied(EqNode* atom_node, bool value, const Reason& why);
 
   // ---- Explaining (eufsolver_explain.cpp) ----------------------------------
   void begin_explanation();

@@ -269,15 +269,11 @@ void Solver::deduce_on_merge(EqNode* w, EqNode* l) {
   }
   EqNode* shorter = w->watch_count <= l->watch_count ? w : l;
   EqNode* other = shorter == w ? l : w;
-  if (EqWatch* first = shorter->watches) {
-    EqWatch* x = first;
-    do {
-      if (x->other->root == other && !has_value(x->atom_node)) {
-        queue_implied(x->atom, true, Reason{x->self, x->other});
-      }
-      x = x->next;
-    } while (x != first);
-  }
+  walk_live_watches(shorter, [this, other](EqWatch* x) {
+    if (x->other->root == other && x->atom_node != d_asserting) {
+      queue_implied(x->atom_node, true, Reason{x->self, x->other});
+    }
+  });
   if (w == d_true_node || w == d_false_node) {
     deduce_class_value(l, w);
   }
@@ -312,29 +308,41 @@ void Solver::deduce_separated(EqNode* cls, EqNode* sep) {
       c = c->next;
     } while (c != first);
   }
-  EqWatch* first = cls->watches;
-  EqWatch* x = first;
-  do {
+  walk_live_watches(cls, [this, sep](EqWatch* x) {
     EqNode* r = x->other->root;
-    if (has_value(x->atom_node)) {
+    if (x->atom_node == d_asserting) {
       // known already
     } else if (r->diseq_stamp == d_diseq_stamp) {
       DiseqCell* c = r->diseq_cell;
-      queue_implied(
-          x->atom, false, Reason{x->self, c->self, x->other, c->other, c->lit});
+      queue_implied(x->atom_node,
+                    false,
+                    Reason{x->self, c->self, x->other, c->other, c->lit});
     } else if (sep->is_value && r->is_value && r != sep) {
       queue_implied(
-          x->atom, false, Reason{x->self, sep, x->other, r, tlit_Undef});
+          x->atom_node, false, Reason{x->self, sep, x->other, r, tlit_Undef});
     }
-    x = x->next;
-  } while (x != first);
+  });
+}
+
+void Solver::drop_watch(EqNode* root, EqWatch* prev, EqWatch* x) {
+  const bool was_head = root->watches == x;
+  if (x->next == x) {
+    root->watches = nullptr;
+  } else {
+    prev->next = x->next;
+    if (was_head) {
+      root->watches = prev;
+    }
+  }
+  --root->watch_count;
+  d_undo.push(UndoCell{UndoKind::DropWatch, was_head, x, prev, root});
 }
 
 void Solver::deduce_class_value(EqNode* cls, EqNode* value) {
   EqNode* m = cls;
   do {
     if (m->told && m != d_asserting) {
-      queue_implied(m->term, value == d_true_node, Reason{m, value});
+      queue_implied(m, value == d_true_node, Reason{m, value});
     }
     m = m->next;
   } while (m != cls);
@@ -347,27 +355,21 @@ void Solver::deduce_on_neq(EqNode* a, EqNode* b, TheoryLit hyp) {
   EqNode* rb = b->root;
   EqNode* shorter = ra->watch_count <= rb->watch_count ? ra : rb;
   EqNode* other = shorter == ra ? rb : ra;
-  EqWatch* first = shorter->watches;
-  if (first == nullptr) {
-    return;
-  }
-  EqWatch* x = first;
-  do {
-    if (x->other->root == other && !has_value(x->atom_node)) {
+  walk_live_watches(shorter, [&](EqWatch* x) {
+    if (x->other->root == other && x->atom_node != d_asserting) {
       // Sides in the order of a and b.
       bool a_side = x->self->root == ra;
       EqNode* sa = a_side ? x->self : x->other;
       EqNode* sb = a_side ? x->other : x->self;
-      queue_implied(x->atom, false, Reason{sa, a, sb, b, hyp});
+      queue_implied(x->atom_node, false, Reason{sa, a, sb, b, hyp});
     }
-    x = x->next;
-  } while (x != first);
+  });
 }
 
 void Solver::deduce_on_tell(EqNode* n) {
   EqNode* r = n->root;
   if (r == d_true_node || r == d_false_node) {
-    queue_implied(n->term, r == d_true_node, Reason{n, r});
+    queue_implied(n, r == d_true_node, Reason{n, r});
     return;
   }
   const Term_* atom = n->term;
@@ -377,14 +379,14 @@ void Solver::deduce_on_tell(EqNode* n) {
   EqNode* a = node_or_null(atom->get_child(0));
   EqNode* b = node_or_null(atom->get_child(1));
   if (a->root == b->root) {
-    queue_implied(atom, true, Reason{a, b});
+    queue_implied(n, true, Reason{a, b});
   } else if (DiseqCell* c = find_diseq(a->root, b->root)) {
     bool a_side = c->self->root == a->root;
     EqNode* ca = a_side ? c->self : c->other;
     EqNode* cb = a_side ? c->other : c->self;
-    queue_implied(atom, false, Reason{a, ca, b, cb, c->lit});
+    queue_implied(n, false, Reason{a, ca, b, cb, c->lit});
   } else if (a->root->is_value && b->root->is_value) {
-    queue_implied(atom, false, Reason{a, a->root, b, b->root, tlit_Undef});
+    queue_implied(n, false, Reason{a, a->root, b, b->root, tlit_Undef});
   }
 }
 

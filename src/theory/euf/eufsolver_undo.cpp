@@ -99,9 +99,13 @@ void Solver::undo(const UndoCell& c) {
     case UndoKind::Proof:
       undo_proof(static_cast<EqNode*>(c.a), static_cast<EqNode*>(c.b));
       break;
-    case UndoKind::Implied:
-      d_reasons.erase(static_cast<const Term_*>(c.a));
+    case UndoKind::DropWatch: undo_drop_watch(c); break;
+    case UndoKind::Implied: {
+      auto* n = static_cast<EqNode*>(c.a);
+      n->implied = false;
+      d_reasons.erase(n->term);
       break;
+    }
   }
 }
 
@@ -182,6 +186,23 @@ void Solver::undo_merge(EqNode* w, EqNode* l, EqNode* s, bool swapped) {
       u = s->next_use(u);
     } while (u != first);
   }
+}
+
+// The list is as drop_watch left it: the watch goes back behind its
+// predecessor, and its own link was never changed.
+void Solver::undo_drop_watch(const UndoCell& c) {
+  auto* x = static_cast<EqWatch*>(c.a);
+  auto* prev = static_cast<EqWatch*>(c.b);
+  auto* root = static_cast<EqNode*>(c.c);
+  if (root->watches == nullptr) {
+    root->watches = x;
+  } else {
+    prev->next = x;
+    if (c.flag) {
+      root->watches = x;
+    }
+  }
+  ++root->watch_count;
 }
 
 void Solver::undo_neq(DiseqCell* ca, DiseqCell* cb) {
