@@ -25,6 +25,8 @@ from zbench import judge, smt2_models, solvers
 from zbench.inputs import parse_dimacs
 
 ANSWERS = ("sat", "unsat", "unknown")
+MODEL_FAULTS = ("no value", "has sort", "is false", "contradict",
+                "get-model after sat", "z3 rejects", "cannot tell")
 
 
 @dataclass
@@ -40,6 +42,10 @@ class Verdict:
     def signature(self):
         if self.kind == "error":
             return (self.kind, re.sub(r"\(line: \d+\)|\d+", "#", self.detail))
+        if self.kind == "model":
+            # A false assertion must not shrink into a missing value.
+            return (self.kind, next((w for w in MODEL_FAULTS
+                                     if w in self.detail), ""))
         return (self.kind,)
 
 
