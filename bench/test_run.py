@@ -15,7 +15,7 @@ DATA = os.path.join(HERE, "testdata")
 SMT, CNF = os.path.join(DATA, "smt"), os.path.join(DATA, "cnf")
 sys.path.insert(0, HERE)
 
-from zbench import inputs, judge  # noqa: E402
+from zbench import inputs, judge, smt2_models  # noqa: E402
 
 
 def fake(mode):
@@ -171,6 +171,24 @@ class Failures(Runner):
         rc, out, err, rows = self.run_bench("badmodel", CNF)
         self.assertEqual(rc, 0, "models are checked only on request")
 
+    @unittest.skipUnless(shutil.which("z3"), "z3 checks SMT-LIB models")
+    def test_smt_models_are_checked_by_z3_at_every_sat_answer(self):
+        rc, out, err, rows = self.run_bench("right", "--check-models", SMT)
+        self.assertEqual(rc, 0, out + err)
+        self.assertNotIn("models:", out)
+        rc, out, err, rows = self.run_bench("badmodel", "--check-models",
+                                            SMT)
+        self.assertEqual(rc, 1)
+        self.assertIn("push_pop.smt2  model: query 1: an assertion is false",
+                      out)
+        self.assertIn("no_status.smt2  model: an assertion is false", out)
+
+    def test_smt_models_not_given_yet_are_skipped_with_a_note(self):
+        rc, out, err, rows = self.run_bench("error", "--check-models", SMT)
+        self.assertNotIn("WRONG", out)
+        self.assertIn("models: 2 runs with sat answers of zenlo's not "
+                      "checked", out)
+
     def test_bad_usage_is_reported_not_run(self):
         cases = [(["--zenlo", "/nonexistent/zenlo", SMT], "zenlo not found"),
                  ([os.path.join(DATA, "missing.smt2")], "no such file"),
@@ -203,6 +221,75 @@ class Inputs(unittest.TestCase):
                       judge.check_dimacs_model(clauses, [1, -1, 3]))
         self.assertIn("without a model",
                       judge.check_dimacs_model(clauses, None))
+
+
+SCOPED = """(declare-sort U 0)
+(declare-fun a () U)
+(declare-fun f (U Bool) U)
+(declare-fun p () Bool)
+(assert (distinct (f a p) (f a true)))
+(check-sat)
+(push 1)
+(declare-const c U)
+(assert (= c a))
+(check-sat-assuming ((not p)))
+(pop 1)
+(check-sat)
+"""
+MODEL = """(model
+  (define-fun a () U .u0)
+  (define-fun p () Bool false)
+  (define-fun f ((?X1 U) (?X2 Bool)) U (ite (and (= ?X1 .u0) (= ?X2 false))
+    (as @v U) .u0))
+%s)"""
+
+
+@unittest.skipUnless(shutil.which("z3"), "z3 checks SMT-LIB models")
+class SmtModels(unittest.TestCase):
+    def problems(self, *models):
+        out = "".join("sat\n%s\n" % m for m in models)
+        return [(n, why.split("\n")[0])
+                for n, why in smt2_models.check_output(SCOPED, out).problems]
+
+    def test_models_that_hold_at_every_scope(self):
+        c = "  (define-fun c () U .u0)\n"
+        self.assertEqual(self.problems(MODEL % "", MODEL % c, MODEL % ""),
+                         [])
+
+    def test_missing_ill_sorted_and_false_models(self):
+        good, c = MODEL % "", "  (define-fun c () U .u0)\n"
+        self.assertEqual(self.problems(good, good, good),
+                         [(2, "no value for c")])
+        self.assertEqual(self.problems(
+            good, MODEL.replace("U .u0)", "Bool true)", 1) % c, good),
+            [(2, "value of a has sort Bool, declared U")])
+        # Distinct abstract values are distinct elements.
+        self.assertEqual(self.problems(good.replace("(as @v U)", ".u0"),
+                                       MODEL % c, good),
+                         [(1, "an assertion is false in the model")])
+        # The assumption (not p) must hold too.
+        self.assertEqual(self.problems(
+            good, (MODEL % c).replace("Bool false", "Bool true"), good),
+            [(2, "an assertion is false in the model")])
+
+    def test_pairs_of_minus_model_pin_values_only(self):
+        script = "(declare-fun x () Bool)(assert x)(check-sat)"
+        self.assertEqual(smt2_models.check_output(
+            script, "sat\n( (x true) )\n").problems, [])
+        self.assertEqual(len(smt2_models.check_output(
+            script, "sat\n( (x false) )\n").problems), 1)
+
+    def test_probed_sat_answer_needs_a_model_unless_not_supported(self):
+        script = "(declare-fun x () Bool)(assert x)(check-sat)"
+        r = smt2_models.check_output(
+            script, 'sat\n(error "model not available")\n', probed=True)
+        self.assertEqual(r.problems, [(1, 'get-model after sat answered '
+                                          '(error "model not available")')])
+        r = smt2_models.check_output(
+            script, 'sat\n(error "models are not supported yet")\n',
+            probed=True)
+        self.assertEqual((r.problems, r.checked), ([], 0))
+        self.assertIn("not supported yet", r.skipped)
 
 
 if __name__ == "__main__":

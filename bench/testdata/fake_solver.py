@@ -42,6 +42,17 @@ def falsify_first_clause(model, clauses):
     return [l if -l not in false else -l for l in model]
 
 
+def smt_model(mode, text):
+    """All Bool constants true: a model of the sat files here; all false
+    for badmodel; no model at all for the error mode."""
+    if mode == "error":
+        return '(error "model generation is not supported yet")'
+    value = "false" if mode == "badmodel" else "true"
+    names = re.findall(r"\(declare-const (\w+) Bool\)", text)
+    return "(model\n%s)" % "".join("  (define-fun %s () Bool %s)\n"
+                                   % (n, value) for n in names)
+
+
 def flip(answer):
     return {"sat": "unsat", "unsat": "sat"}.get(answer, answer)
 
@@ -70,6 +81,9 @@ def main():
     else:
         for a in smt_truth(text):
             print(flip(a) if mode == "wrong" else a)
+            if "(get-model)" in text:
+                print(smt_model(mode, text) if a == "sat"
+                      else '(error "model not available")')
         if mode == "error":
             print('(error "fake failure")')
     sys.stdout.flush()

@@ -11,7 +11,8 @@ import re
 from dataclasses import dataclass
 from typing import List, Optional
 
-from .inputs import DEFINITE, SAT, UNKNOWN
+from . import smt2_models
+from .inputs import DEFINITE, SAT, UNKNOWN, read_text
 
 OK, UNKNOWN_STATUS = "ok", "unknown"
 TIMEOUT, MEMOUT, ERROR = "timeout", "memout", "error"
@@ -145,15 +146,17 @@ def cross_check(outcomes, findings):
 # ------------------------------------------------------------ model checks
 
 
-def check_model(o, findings):
+def check_model(o, findings, rerun=None):
     """Checks the model behind each sat answer of zenlo's; a model that
-    does not hold makes the answer wrong. Returns whether a check ran."""
+    does not hold makes the answer wrong. `rerun(script text)` runs zenlo
+    again on a script and returns its output (None when it timed out); the
+    SMT-LIB check needs it. Returns whether a check ran."""
     if SAT not in o.answers:
         return False
     if o.bench.fmt == "cnf":
         problem = check_dimacs_model(o.bench.clauses(), o.model)
     else:
-        problem = check_smt_model(o)
+        problem = check_smt_model(o, rerun)
         if problem is None:
             return False
     if problem:
@@ -177,13 +180,24 @@ def check_dimacs_model(clauses, model):
     return None
 
 
-def check_smt_model(outcome):
-    """Independent check of a sat answer to an SMT-LIB script.
-
-    To be completed once zenlo prints models: run zenlo again with
-    `(get-model)` after each sat check-sat, then give the original
-    assertions plus the model's definitions to a peer (z3), which must
-    answer sat; anything else is a wrong model. Returns None while no check
-    is available, "" when the model holds, or the reason it does not.
-    """
-    return None
+def check_smt_model(o, rerun):
+    """Runs zenlo again with a (get-model) behind every check and has z3
+    confirm each model of a sat answer. Returns None when no model could
+    be checked (the reason goes to the note), "" when all hold, or the
+    reason one does not."""
+    text = read_text(o.bench.path)
+    out = rerun(smt2_models.with_model_queries(text)) if rerun else None
+    if out is None:
+        o.note = o.note or "model not checked: no second run"
+        return None
+    try:
+        result = smt2_models.check_output(text, out, probed=True)
+    except RuntimeError as e:  # no z3
+        o.note = o.note or "model not checked: %s" % e
+        return None
+    if result.problems:
+        index, why = result.problems[0]
+        return _query(o.bench, index - 1) + why
+    if result.skipped and not o.note:
+        o.note = "model not checked: %s" % first_line(result.skipped)
+    return "" if result.checked else None

@@ -1,0 +1,449 @@
+"""Models in zenlo's SMT-LIB 2 output, and their independent check.
+
+A model shows up in two forms: the pairs that -model prints under a sat
+answer, "( (x true)\\n  (y false) )", and the define-funs of get-model,
+"(model\\n  (define-fun x () Bool true)\\n)".
+
+The define-fun form is checked strictly: every symbol declared at the check
+must have a definition of the declared sort, and the script with those
+definitions in place of its declarations must make every assertion (and
+every assumption of a check-sat-assuming) true. Values of uninterpreted
+sorts are abstract constants that the model leaves undeclared; they become
+fresh constants, pairwise distinct per sort. The pairs form only pins the
+printed terms down and asks whether the script stays satisfiable.
+
+z3 does the deciding; nothing here trusts zenlo's own evaluation. Used by
+tests/regress/run_regress.py, bench/run (--check-models) and bench/fuzz.
+"""
+import re
+import shutil
+import subprocess
+
+CHECKS = ("check-sat", "check-sat-assuming", "check-sat-assumptions")
+# Commands that do not change what a later check decides.
+DROPPED = CHECKS + ("echo", "exit", "set-option", "set-info", "set-logic",
+                    "get-info", "get-option", "get-value", "get-model",
+                    "get-assignment", "get-unsat-core", "get-proof",
+                    "get-assertions", "get-unsat-assumptions", "gc",
+                    "print-stats")
+SORT_COMMANDS = ("declare-sort", "define-sort", "declare-datatype",
+                 "declare-datatypes")
+DECLARATIONS = ("declare-fun", "declare-const")
+# Leaves that are built-in constants, never abstract values.
+BUILTIN_LEAVES = {"true", "false", "RNE", "RNA", "RTP", "RTN", "RTZ",
+                  "roundNearestTiesToEven", "roundNearestTiesToAway",
+                  "roundTowardPositive", "roundTowardNegative",
+                  "roundTowardZero"}
+BOOL_OPS = ("and", "or", "not", "=>", "xor")
+
+# ------------------------------------------------------------------ reading
+
+
+_TOKEN = re.compile(r'\(|\)|"(?:[^"]|"")*"|\|[^|]*\||;[^\n]*|[^\s()"|;]+')
+
+
+def tokens(text):
+    """Parentheses, strings, quoted symbols and atoms of `text`; comments
+    are skipped."""
+    return [t for t in _TOKEN.findall(text) if t[0] != ";"]
+
+
+def parse(text):
+    """The S-expressions of `text`: lists as Python lists, atoms as str."""
+    stack = [[]]
+    for tok in tokens(text):
+        if tok == "(":
+            stack.append([])
+        elif tok == ")":
+            if len(stack) == 1:
+                raise ValueError("unbalanced ')'")
+            done = stack.pop()
+            stack[-1].append(done)
+        else:
+            stack[-1].append(tok)
+    if len(stack) != 1:
+        raise ValueError("unbalanced '('")
+    return stack[0]
+
+
+def show(sexp):
+    if isinstance(sexp, list):
+        return "(" + " ".join(show(s) for s in sexp) + ")"
+    return sexp
+
+
+def without_comments(text):
+    """`text` without ;-comments; strings and quoted symbols kept whole."""
+    return re.sub(r'("(?:[^"]|"")*"?|\|[^|]*\|?)|;[^\n]*',
+                  lambda m: m.group(1) or "", text)
+
+
+def split_commands(text):
+    """The top-level commands of a comment-free script, as S-expressions."""
+    return [c for c in parse(text) if isinstance(c, list) and c]
+
+
+def responses(out):
+    """The top-level responses of an output: one per balanced S-expression
+    or bare line. Lines that never balance (an echo of a lone '(') are
+    taken as they stand."""
+    lines, items, i = out.split("\n"), [], 0
+    while i < len(lines):
+        line = lines[i].strip()
+        end = i
+        if line.startswith("("):
+            while end < len(lines) and not closes(lines[i:end + 1]):
+                end += 1
+            if end == len(lines):
+                end = i
+        if line:
+            block = "\n".join(lines[i:end + 1])
+            items.append(parse(block)[0] if closes(lines[i:end + 1])
+                         and block.strip().startswith("(") else line)
+        i = end + 1
+    return items
+
+
+def closes(block_lines):
+    try:
+        return len(parse("\n".join(block_lines))) == 1
+    except ValueError:
+        return False
+
+
+ANSWERS = ("sat", "unsat", "unknown")
+
+
+def is_model(item):
+    """A get-model text, or the pairs of -model."""
+    if not isinstance(item, list):
+        return False
+    if item and item[0] == "model":
+        return True
+    return all(isinstance(p, list) and len(p) == 2 for p in item)
+
+
+def models_in_output(out):
+    """[(index of the check among all answers, model S-expression)] for
+    each model the output shows right after an answer."""
+    models, answers = [], -1
+    for item in responses(out):
+        if item in ANSWERS:
+            answers += 1
+        elif item != "success" and is_model(item) and answers >= 0:
+            models.append((answers, item))
+    return models
+
+
+def model_replies(out):
+    """Per check-sat answer: (answer, the next response or None). Meant for
+    output of a script with a (get-model) behind every check."""
+    replies, items = [], [i for i in responses(out) if i != "success"]
+    for n, item in enumerate(items):
+        if item in ANSWERS:
+            nxt = items[n + 1] if n + 1 < len(items) else None
+            replies.append((item, None if nxt in ANSWERS else nxt))
+    return replies
+
+
+def with_model_queries(text):
+    """The script, as written, asking for a model behind every check.
+    Models are switched on first, since later it is too late."""
+    lexeme = re.compile(
+        r';[^\n]*|\(|\)|"(?:[^"]|"")*"|\|[^|]*\||[^\s()"|;]+')
+    out, depth, head, last = ["(set-option :produce-models true)\n"], 0, \
+        None, 0
+    for m in lexeme.finditer(text):
+        tok = m.group(0)
+        if tok == "(":
+            depth += 1
+            head = "" if depth == 1 else head
+        elif tok == ")":
+            depth -= 1
+            if depth == 0 and head in CHECKS:
+                out.append(text[last:m.end()] + "\n(get-model)")
+                last = m.end()
+        elif depth == 1 and head == "" and not tok.startswith(";"):
+            head = tok
+    out.append(text[last:])
+    return "".join(out)
+
+
+# ----------------------------------------------------------- the script
+
+
+class Snapshot:
+    """What a check decides: the sort and definition commands, the
+    declarations and the assertions in force, in order, and its own
+    assumptions."""
+
+    def __init__(self, items, assumptions):
+        # (kind, command), kind one of "sort", "decl", "def", "assert"
+        self.items = items
+        self.assumptions = assumptions
+
+    def declared(self):
+        return {c[1]: c for k, c in self.items if k == "decl"}
+
+
+def snapshots(commands):
+    """A Snapshot per check command of the script, in order."""
+    frames, shots, global_decls = [[]], [], False
+    for c in commands:
+        head = c[0]
+        if head == "set-option" and len(c) > 2 \
+                and c[1] in (":global-declarations", ":global-decls"):
+            global_decls = c[2] == "true"
+        elif head == "push":
+            frames += [[] for _ in range(_count(c))]
+        elif head == "pop":
+            for _ in range(min(_count(c), len(frames) - 1)):
+                gone = frames.pop()
+                if global_decls:
+                    frames[0] += [i for i in gone if i[0] != "assert"]
+        elif head == "reset":
+            frames, global_decls = [[]], False
+        elif head == "reset-assertions":
+            kept = [i for f in frames for i in f if i[0] != "assert"]
+            frames = [kept if global_decls else []]
+        elif head in CHECKS:
+            lits = c[1] if len(c) > 1 and isinstance(c[1], list) else []
+            shots.append(Snapshot([i for f in frames for i in f], lits))
+        elif head in SORT_COMMANDS:
+            frames[-1].append(("sort", c))
+        elif head in DECLARATIONS:
+            frames[-1].append(("decl", _as_fun(c)))
+        elif head == "assert":
+            frames[-1].append(("assert", c))
+        elif head not in DROPPED:
+            frames[-1].append(("def", c))
+    return shots
+
+
+def _count(c):
+    return int(c[1]) if len(c) > 1 and str(c[1]).isdigit() else 1
+
+
+def _as_fun(c):
+    if c[0] == "declare-const":
+        return ["declare-fun", c[1], [], c[2]]
+    return c
+
+
+# ------------------------------------------------------------ the check
+
+
+class ModelError(Exception):
+    """The model is not a model of the script; the message says why."""
+
+
+def strict_check_script(shot, model):
+    """The z3 script that answers unsat exactly when the define-fun model
+    `model` satisfies the snapshot. Raises ModelError for missing or
+    ill-sorted definitions."""
+    defs = {e[1]: e for e in model[1:] if isinstance(e, list)
+            and len(e) == 5 and e[0] == "define-fun"}
+    declared = shot.declared()
+    missing = [n for n in declared if n not in defs]
+    if missing:
+        raise ModelError("no value for %s" % ", ".join(missing[:5]))
+    values = AbstractValues(declared)
+    body = []
+    for n, d in declared.items():
+        e = defs[n]
+        if [show(p[1]) for p in e[2]] != [show(s) for s in d[2]] \
+                or show(e[3]) != show(d[3]):
+            raise ModelError("value of %s has sort %s, declared %s" % (
+                n, _signature(e[2], e[3]), _signature(d[2], d[3])))
+        values.scan(e[4], show(e[3]), {p[0]: show(p[1]) for p in e[2]})
+    for kind, c in shot.items:
+        if kind == "decl":
+            e = defs[c[1]]
+            body.append("(define-fun %s %s %s %s)" % (
+                c[1], show(e[2]), show(e[3]), show(values.rename(e[4]))))
+        elif kind == "def":
+            body.append(show(c))
+    facts = [show(c[1]) for k, c in shot.items if k == "assert"]
+    facts += [show(a) for a in shot.assumptions]
+    sorts = [show(c) for k, c in shot.items if k == "sort"]
+    return "\n".join(sorts + values.declarations() + body + [
+        "(assert (not (and true %s)))" % " ".join(facts), "(check-sat)", ""])
+
+
+def _signature(params, ret):
+    args = [show(p[1]) if isinstance(p, list) and len(p) == 2 else show(p)
+            for p in params]
+    return "(%s) %s" % (" ".join(args), show(ret)) if args else show(ret)
+
+
+class AbstractValues:
+    """The undeclared constants of model values, with the sorts that their
+    places give them, renamed apart from every name of the script."""
+
+    def __init__(self, declared):
+        self.declared = declared
+        self.sort = {}  # value text -> sort text
+        self.name = {}
+
+    def scan(self, term, want, params):
+        if isinstance(term, str):
+            if self._is_value(term, params):
+                self._record(term, want)
+            return
+        if not term:
+            return
+        head = term[0]
+        if head == "as" and len(term) == 3 and term[1] != "const":
+            self._record(show(term), show(term[2]))
+        elif head == "ite" and len(term) == 4:
+            self.scan(term[1], "Bool", params)
+            self.scan(term[2], want, params)
+            self.scan(term[3], want, params)
+        elif head in BOOL_OPS:
+            for a in term[1:]:
+                self.scan(a, "Bool", params)
+        elif head in ("=", "distinct"):
+            known = next((s for s in (self._sort_of(a, params)
+                                      for a in term[1:]) if s), None)
+            for a in term[1:]:
+                self.scan(a, known, params)
+        elif isinstance(head, str) and head in self.declared:
+            for a, s in zip(term[1:], self.declared[head][2]):
+                self.scan(a, show(s), params)
+        elif head not in ("_", "!"):
+            for a in term[1:]:
+                self.scan(a, None, params)
+
+    def _is_value(self, leaf, params):
+        return not (leaf in params or leaf in self.declared
+                    or leaf in BUILTIN_LEAVES or leaf[0] in "#\"0123456789")
+
+    def _sort_of(self, term, params):
+        if isinstance(term, list):
+            if term and term[0] in self.declared:
+                return show(self.declared[term[0]][3])
+            if len(term) == 3 and term[0] == "as":
+                return show(term[2])
+            return None
+        if term in params:
+            return params[term]
+        if term in self.declared and not self.declared[term][2]:
+            return show(self.declared[term][3])
+        return self.sort.get(term)
+
+    def _record(self, text, sort):
+        if sort is None:
+            raise ModelError("cannot tell the sort of the value %s" % text)
+        if self.sort.setdefault(text, sort) != sort:
+            raise ModelError("value %s stands for both %s and %s"
+                             % (text, self.sort[text], sort))
+        self.name.setdefault(text, "|zenlo value %d|" % len(self.name))
+
+    def rename(self, term):
+        text = show(term)
+        if text in self.name:
+            return self.name[text]
+        if isinstance(term, list):
+            return [self.rename(t) for t in term]
+        return term
+
+    def declarations(self):
+        out, by_sort = [], {}
+        for text, name in self.name.items():
+            out.append("(declare-fun %s () %s)" % (name, self.sort[text]))
+            by_sort.setdefault(self.sort[text], []).append(name)
+        for names in by_sort.values():
+            if len(names) > 1:
+                out.append("(assert (distinct %s))" % " ".join(names))
+        return out
+
+
+def pairs_check_script(shot, pairs):
+    """For the pairs of -model: the script with the printed values asserted
+    must stay satisfiable (z3 answers sat)."""
+    values = AbstractValues(shot.declared())
+    for term, value in pairs:
+        values.scan(value, values._sort_of(term, {}), {})
+    body = [show(c) for k, c in shot.items if k != "sort"]
+    body += ["(assert %s)" % show(a) for a in shot.assumptions]
+    body += ["(assert (= %s %s))" % (show(t), show(values.rename(v)))
+             for t, v in pairs]
+    sorts = [show(c) for k, c in shot.items if k == "sort"]
+    return "\n".join(sorts + values.declarations() + body
+                     + ["(check-sat)", ""])
+
+
+def check_model(shot, model, z3=None, timeout=60):
+    """None when `model` holds at the snapshot, else the reason it does
+    not. Raises ModelError for a model that is malformed."""
+    z3 = z3 or shutil.which("z3")
+    if z3 is None:
+        raise RuntimeError("z3 is needed to check models")
+    strict = model and model[0] == "model"
+    script = strict_check_script(shot, model) if strict \
+        else pairs_check_script(shot, model)
+    try:
+        proc = subprocess.run([z3, "-in", "-smt2"], input=script,
+                              capture_output=True, text=True,
+                              timeout=timeout)
+    except subprocess.TimeoutExpired:
+        return None  # no verdict is no evidence either way
+    words = proc.stdout.split()
+    last = words[-1] if words else ""
+    good, bad = ("unsat", "sat") if strict else ("sat", "unsat")
+    if "(error" in proc.stdout:
+        raise ModelError("z3 rejects the model: %s"
+                         % proc.stdout.strip().splitlines()[0])
+    if last == bad:
+        return ("an assertion is false in the model" if strict
+                else "the printed values contradict the assertions") \
+            + "\n--- check script\n" + script
+    return None
+
+
+class Checked:
+    """What check_output found: the models that fail, as (check number
+    from 1, reason), how many held, and why some sat answer had no model
+    to check ("" when every one had)."""
+
+    def __init__(self):
+        self.problems, self.checked, self.skipped = [], 0, ""
+
+
+def check_output(script_text, out, z3=None, probed=False):
+    """Checks every model that zenlo's output `out` shows behind a sat
+    answer to the script. With `probed`, the script ran with a (get-model)
+    behind every check (with_model_queries), so each sat answer must be
+    followed by a model, or by word that models are not there yet."""
+    shots = snapshots(split_commands(without_comments(script_text)))
+    result = Checked()
+    replies = model_replies(out)
+    for index, model in models_in_output(out):
+        if index >= len(shots) or replies[index][0] != "sat":
+            continue
+        try:
+            why = check_model(shots[index], model, z3)
+        except ModelError as e:
+            why = str(e)
+        if why:
+            result.problems.append((index + 1, why))
+        else:
+            result.checked += 1
+    for index, (answer, reply) in enumerate(replies if probed else []):
+        if answer != "sat":
+            continue
+        if not_available(reply):
+            result.skipped = result.skipped or show(reply or "no reply")
+        elif not is_model(reply):
+            result.problems.append(
+                (index + 1, "get-model after sat answered %s" % show(reply)))
+    result.problems.sort(key=lambda p: p[0])
+    return result
+
+
+def not_available(reply):
+    """Whether a get-model reply says that models are not there to ask
+    for, rather than that this one failed."""
+    text = show(reply) if reply is not None else ""
+    return reply is None or text == "unsupported" \
+        or "not supported yet" in text
