@@ -18,6 +18,11 @@ tests/regress/run_regress.py, bench/run (--check-models) and bench/fuzz.
 import re
 import shutil
 import subprocess
+import sys
+
+# Terms nest as deep as the scripts do; reading is iterative, but printing
+# and the walks over values recurse.
+sys.setrecursionlimit(max(sys.getrecursionlimit(), 200000))
 
 CHECKS = ("check-sat", "check-sat-assuming", "check-sat-assumptions")
 # Commands that do not change what a later check decides.
@@ -207,7 +212,10 @@ def snapshots(commands):
             kept = [i for f in frames for i in f if i[0] != "assert"]
             frames = [kept if global_decls else []]
         elif head in CHECKS:
-            lits = c[1] if len(c) > 1 and isinstance(c[1], list) else []
+            if head == "check-sat":
+                lits = c[1:]  # the extension that lists assumptions bare
+            else:
+                lits = c[1] if len(c) > 1 and isinstance(c[1], list) else []
             shots.append(Snapshot([i for f in frames for i in f], lits))
         elif head in SORT_COMMANDS:
             frames[-1].append(("sort", c))
@@ -358,15 +366,42 @@ class AbstractValues:
         return out
 
 
+def _names_in_force(shot):
+    """Declared, defined and :named names of the snapshot."""
+    names = set(shot.declared())
+    for kind, c in shot.items:
+        if kind == "def" and len(c) > 1 and isinstance(c[1], str):
+            names.add(c[1])
+        elif kind == "assert":
+            stack = [c]
+            while stack:
+                e = stack.pop()
+                if isinstance(e, list):
+                    for i, x in enumerate(e):
+                        if x == ":named" and i + 1 < len(e):
+                            names.add(e[i + 1])
+                    stack.extend(e)
+    return names
+
+
 def pairs_check_script(shot, pairs):
     """For the pairs of -model: the script with the printed values asserted
     must stay satisfiable (z3 answers sat)."""
     values = AbstractValues(shot.declared())
+    known = _names_in_force(shot)
+    # A name whose assertion a pop removed still answers get-assignment
+    # under global declarations; the checking script no longer has it.
+    pairs = [(t, v) for t, v in pairs if not isinstance(t, str) or t in known]
     for term, value in pairs:
+        # -model prints function points with abstract arguments too; bare
+        # names (definitions, :named terms) are no values.
+        if not isinstance(term, str):
+            values.scan(term, values._sort_of(term, {}), {})
         values.scan(value, values._sort_of(term, {}), {})
     body = [show(c) for k, c in shot.items if k != "sort"]
     body += ["(assert %s)" % show(a) for a in shot.assumptions]
-    body += ["(assert (= %s %s))" % (show(t), show(values.rename(v)))
+    body += ["(assert (= %s %s))" % (show(values.rename(t)),
+                                      show(values.rename(v)))
              for t, v in pairs]
     sorts = [show(c) for k, c in shot.items if k == "sort"]
     return "\n".join(sorts + values.declarations() + body

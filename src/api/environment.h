@@ -201,6 +201,10 @@ class Environment {
   //   ModelStore::error when the model cannot be rebuilt.
   const Term_* get_model_value(const Term_* t);
 
+  // Returns: the value that the model gives a term of `type` it never met.
+  // - Throws: as get_model_value.
+  const Term_* get_model_default_value(const Type* type);
+
   // Returns: the pairs (term, value) of the model of the last sat check:
   //   the user's constants, and the applications of its functions with
   //   their arguments replaced by values, sorted by symbol then id.

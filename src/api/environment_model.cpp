@@ -83,6 +83,11 @@ const Term_* Environment::get_model_value(const Term_* t) {
   return current_model("get_model_value").get_value(t);
 }
 
+const Term_* Environment::get_model_default_value(const Type* type) {
+  TypecheckOff typecheck_off(*d_tm);
+  return current_model("get_model_value").get_default_value(type);
+}
+
 std::vector<std::pair<const Term_*, const Term_*>>
 Environment::get_model_assignments() {
   TypecheckOff typecheck_off(*d_tm);

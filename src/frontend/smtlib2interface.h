@@ -227,6 +227,8 @@ class SmtLib2Interface : public ToplevelInterface,
   virtual std::unique_ptr<TimeMemLimitTest> make_new_termination_test();
   // Whether get-model leaves `term` out.
   virtual bool should_skip_term(const Term_* term);
+  void add_unmet_symbols(
+      std::vector<std::pair<const Term_*, const Term_*>>& model);
   // Returns: true when the option was taken.
   virtual bool opt_handle_option(const std::string& name,
                                  const std::string& value);

@@ -1,6 +1,8 @@
 // The questions a script asks after a check: values, models, assignments
 // and unsat assumptions; and the answers for what this interpreter does
 // not offer (cores, proofs, interpolants, All-SAT, objectives).
+#include <unordered_set>
+
 #include "api/environment.h"
 #include "frontend/smtlib2interface.h"
 #include "frontend/smtlib2model.h"
@@ -114,9 +116,41 @@ void SmtLib2Interface::get_model() {
       model.push_back(a);
     }
   }
+  add_unmet_symbols(model);
   d_response.items =
       model_define_funs(d_env->get_term_manager(), *d_printer, model);
   d_response.kind = Kind::Model;
+}
+
+// Every declared name gets a definition, also those the search never met
+// (unused, or simplified away): a model that leaves names out cannot be
+// put back into the script in place of its declarations. Each takes the
+// value the model gives a term it never met, the same that get-value
+// answers for it.
+void SmtLib2Interface::add_unmet_symbols(std::vector<ModelAssignment>& model) {
+  TermManager& tm = d_env->get_term_manager();
+  std::unordered_set<const Symbol*> met;
+  for (const ModelAssignment& a : model) {
+    met.insert(a.first->get_symbol());
+  }
+  for (const auto& entry : tm.get_signature()) {
+    const Symbol* s = entry.second;
+    const std::string& name = s->get_name();
+    bool user_symbol = s->get_arity() == 0 ? tm.is_constant(s)
+                                           : tm.is_uninterpreted_function(s);
+    if (met.count(s) != 0 || !user_symbol || name.empty() || name[0] == '.'
+        || name[0] == '@') {
+      continue;
+    }
+    TermList args;
+    for (size_t i = 0; i < s->get_arity(); ++i) {
+      args.push_back(d_env->get_model_default_value(s->get_arg_type(i)));
+    }
+    const Term_* point = tm.make_term(s, args);
+    if (!should_skip_term(point)) {
+      model.emplace_back(point, d_env->get_model_value(point));
+    }
+  }
 }
 
 void SmtLib2Interface::get_unsat_assumptions() {

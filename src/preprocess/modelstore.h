@@ -161,6 +161,11 @@ class ModelStore {
   //   model value to " + term.
   const Term_* get_value(const Term_* t);
 
+  // Returns: the value that a term of `type` the model never met takes.
+  const Term_* get_default_value(const Type* type) {
+    return default_value(type);
+  }
+
   // The pairs of the model, computed on first use.
   ModelIterator begin();
   ModelIterator end();

@@ -1,3 +1,4 @@
+; ARGS: -allow_bool_function_args=true
 (set-logic QF_UF)
 (declare-fun uf7 (Bool Bool Bool Bool Bool Bool Bool) Bool)
 (declare-fun v0 () Bool)

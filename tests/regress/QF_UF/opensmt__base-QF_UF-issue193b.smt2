@@ -1,4 +1,4 @@
-; ARGS: -model
+; ARGS: -model -allow_bool_function_args=true
 (set-logic QF_UF)
 (declare-fun uf3 (Bool Bool Bool) Bool)
 (declare-fun uf4 (Bool Bool Bool Bool) Bool)
