@@ -153,6 +153,16 @@ void ModelStore::read_terminal_values() {
       continue;  // the engine's business, read above
     }
     const Term_* v = theory_value(t);
+    if (v == nullptr) {
+      if (t->get_arity() > 0) {
+        // No solver met this application (preprocessing replaced it, as
+        // with a term-ite argument): its value follows from its arguments'
+        // values through the function's table. A class of its own would
+        // take a fresh value that may break congruence with the table.
+        continue;
+      }
+      v = t;
+    }
     d_constraints.push_back(ModelData{t, v, true});
     if (t->get_arity() == 0 && v != t && is_good_model_value(v)) {
       d_values[t] = v;
@@ -162,9 +172,9 @@ void ModelStore::read_terminal_values() {
 
 // The theories answer with a term that stands for the class of `t` in
 // their model (a value, or a member that the classes below will give a
-// fresh value); a term no solver knows is its own class.
+// fresh value); null when no solver knows `t`.
 const Term_* ModelStore::theory_value(const Term_* t) {
-  return d_theory != nullptr ? d_theory->get_model_value(t) : t;
+  return d_theory != nullptr ? d_theory->get_model_value(t) : nullptr;
 }
 
 void ModelStore::read_rewrite_steps() {

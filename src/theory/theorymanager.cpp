@@ -438,7 +438,7 @@ const Term_* TheoryManager::get_model_value(const Term_* term) {
       }
     }
   }
-  return value != nullptr ? value : term;
+  return value;
 }
 
 // ---------------------------------------------------------------------------

@@ -154,8 +154,8 @@ class TheoryManager {
 
   void build_model();
 
-  // Returns: the value of `term` in the theories' model; the term itself
-  //   when no solver knows it.
+  // Returns: the value of `term` in the theories' model; null when no
+  //   solver knows it.
   const Term_* get_model_value(const Term_* term);
 
   // ---- For the environment -------------------------------------------------
