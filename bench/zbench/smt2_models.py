@@ -245,12 +245,23 @@ class ModelError(Exception):
     """The model is not a model of the script; the message says why."""
 
 
+def _plain(name):
+    """|x| and x are one symbol when x needs no bars."""
+    if len(name) > 2 and name[0] == "|" and name[-1] == "|" \
+            and re.fullmatch(r"[A-Za-z~!@$%^&*_+=<>.?/-][\w~!@$%^&*+=<>.?/-]*",
+                             name[1:-1]):
+        return name[1:-1]
+    return name
+
+
 def strict_check_script(shot, model):
     """The z3 script that answers unsat exactly when the define-fun model
     `model` satisfies the snapshot. Raises ModelError for missing or
     ill-sorted definitions."""
-    defs = {e[1]: e for e in model[1:] if isinstance(e, list)
+    defs = {_plain(e[1]): e for e in model[1:] if isinstance(e, list)
             and len(e) == 5 and e[0] == "define-fun"}
+    defs.update({n: defs[_plain(n)] for n in shot.declared()
+                 if _plain(n) in defs})
     declared = shot.declared()
     missing = [n for n in declared if n not in defs]
     if missing:
@@ -259,8 +270,11 @@ def strict_check_script(shot, model):
     body = []
     for n, d in declared.items():
         e = defs[n]
-        if [show(p[1]) for p in e[2]] != [show(s) for s in d[2]] \
-                or show(e[3]) != show(d[3]):
+        aliases = any(c[0] == "define-sort" for k, c in shot.items
+                      if k == "sort")
+        if not aliases and ([show(p[1]) for p in e[2]]
+                            != [show(s) for s in d[2]]
+                            or show(e[3]) != show(d[3])):
             raise ModelError("value of %s has sort %s, declared %s" % (
                 n, _signature(e[2], e[3]), _signature(d[2], d[3])))
         values.scan(e[4], show(e[3]), {p[0]: show(p[1]) for p in e[2]})
@@ -366,32 +380,18 @@ class AbstractValues:
         return out
 
 
-def _names_in_force(shot):
-    """Declared, defined and :named names of the snapshot."""
-    names = set(shot.declared())
-    for kind, c in shot.items:
-        if kind == "def" and len(c) > 1 and isinstance(c[1], str):
-            names.add(c[1])
-        elif kind == "assert":
-            stack = [c]
-            while stack:
-                e = stack.pop()
-                if isinstance(e, list):
-                    for i, x in enumerate(e):
-                        if x == ":named" and i + 1 < len(e):
-                            names.add(e[i + 1])
-                    stack.extend(e)
-    return names
-
-
 def pairs_check_script(shot, pairs):
     """For the pairs of -model: the script with the printed values asserted
     must stay satisfiable (z3 answers sat)."""
     values = AbstractValues(shot.declared())
-    known = _names_in_force(shot)
-    # A name whose assertion a pop removed still answers get-assignment
-    # under global declarations; the checking script no longer has it.
-    pairs = [(t, v) for t, v in pairs if not isinstance(t, str) or t in known]
+    # Bare names other than declared constants (:named terms, definitions)
+    # are left out: the sort of an abstract value they show is unknown
+    # here, and a name whose assertion a pop removed still answers
+    # get-assignment under global declarations, though the checking
+    # script no longer has it.
+    declared = shot.declared()
+    pairs = [(t, v) for t, v in pairs
+             if not isinstance(t, str) or t in declared]
     for term, value in pairs:
         # -model prints function points with abstract arguments too; bare
         # names (definitions, :named terms) are no values.

@@ -230,6 +230,7 @@ void Environment::do_reset() {
   d_theory_manager.reset();
   d_dpll.reset();
   d_stack.clear();
+  d_engine_formulas.clear();
   d_labels.clear();
   d_processed = 0;
 }

@@ -359,6 +359,8 @@ class Environment {
   void make_constraint_encoder();
   void flush_pending(const Term_*& pending);
   void record_unsat_mark();
+  // Returns: the backtrack points open in the engine (labels when shallow).
+  size_t engine_level() const;
   void log_step(int level, const char* what);
   void destroy_owned_store();
   void check_theory_atoms() const;
@@ -429,6 +431,11 @@ class Environment {
   // 10. The assertion stack (null: a backtrack point) and how many of its
   //     entries have reached the engine.
   std::vector<const Term_*> d_stack;
+  // The formulas as the engine got them (after encoding), with the number
+  // of backtrack points open when they went in: the model is built from
+  // these as well, since the terms that encoding made up (the constants
+  // standing for term-ites) carry values the original formulas need.
+  std::vector<std::pair<size_t, const Term_*>> d_engine_formulas;
   size_t d_processed = 0;
 
   // 11. (Interpolation groups per stack entry slot in here.)

@@ -87,6 +87,7 @@ void Environment::do_assert_formula(const Term_* f, bool encode) {
     log_step(2, " done");
   }
   d_polarity->add_formula(f);
+  d_engine_formulas.emplace_back(engine_level(), f);
   SymbolTag::tag top = d_tm->get_tag(f->get_symbol());
   if (top == SymbolTag::FALSE) {
     reset_model();
@@ -102,9 +103,12 @@ void Environment::do_assert_formula(const Term_* f, bool encode) {
 }
 
 void Environment::record_unsat_mark() {
-  d_unsat_mark = d_config.shallow_incrementality
-                     ? static_cast<int32_t>(d_labels.size())
-                     : d_dpll->num_backtrack_points();
+  d_unsat_mark = static_cast<int32_t>(engine_level());
+}
+
+size_t Environment::engine_level() const {
+  return d_config.shallow_incrementality ? d_labels.size()
+                                         : d_dpll->num_backtrack_points();
 }
 
 void Environment::log_step(int level, const char* what) {

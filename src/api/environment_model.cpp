@@ -64,6 +64,9 @@ void Environment::add_model_formulas(ModelStore& m) {
       m.add_formula(d_stack[i]);
     }
   }
+  for (const auto& entry : d_engine_formulas) {
+    m.add_formula(entry.second);
+  }
 }
 
 ModelStore& Environment::current_model(const char* /*what*/) {

@@ -77,6 +77,11 @@ void Environment::do_pop_backtrack_point() {
   if (!found) {
     throw error("no backtrack points to pop");
   }
+  const size_t popped = engine_level();
+  while (!d_engine_formulas.empty()
+         && d_engine_formulas.back().first >= popped) {
+    d_engine_formulas.pop_back();
+  }
   if (d_config.shallow_incrementality) {
     do_pop_shallow_backtrack_point();
     d_encoder->reset();
