@@ -349,6 +349,7 @@ class Environment {
   void do_pop_backtrack_point();
 
   int do_check();
+  bool begin_check();
 
   // After a sat answer of the engine: the model store, when models are
   // asked for.

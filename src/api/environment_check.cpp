@@ -135,9 +135,12 @@ int Environment::check() {
   }
 }
 
-int Environment::do_check() {
+// Returns: false when solving is switched off; else the stack has reached
+//   the engine (rebuilt first after an interrupted check) and the last
+//   answer is forgotten.
+bool Environment::begin_check() {
   if (!d_config.solver_enabled) {
-    return -1;
+    return false;
   }
   if (d_interrupted) {
     reset_after_interrupted();
@@ -146,6 +149,13 @@ int Environment::do_check() {
   do_assert_stack();
   d_last_result = -1;
   d_unsat_assumptions.clear();
+  return true;
+}
+
+int Environment::do_check() {
+  if (!begin_check()) {
+    return -1;
+  }
   if (d_unsat_mark >= 0) {
     d_last_result = 0;
     return 0;

@@ -162,16 +162,9 @@ int Environment::check_with_assumptions(const TermList& assumptions) {
 }
 
 int Environment::do_check_with_assumptions(const TermList& assumptions) {
-  if (!d_config.solver_enabled) {
+  if (!begin_check()) {
     return -1;
   }
-  if (d_interrupted) {
-    reset_after_interrupted();
-  }
-  reset_model();
-  do_assert_stack();
-  d_last_result = -1;
-  d_unsat_assumptions.clear();
 
   std::vector<dpll::Lit> lits;
   // The labels of open shallow points go first; they are not the caller's

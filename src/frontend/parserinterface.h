@@ -47,6 +47,19 @@ class ParserInterface {
   virtual Status get_status() const { return Status::Unknown; }
 };
 
+// Runs a declaration: a failure of the term store becomes a parse error,
+// so that the message names the line of the declaration.
+template <class F>
+void declaring(F&& f) {
+  try {
+    f();
+  } catch (const ParserInterface::error&) {
+    throw;
+  } catch (const Exception& e) {
+    throw ParserInterface::error(e.message());
+  }
+}
+
 }  // namespace zenlo
 
 #endif

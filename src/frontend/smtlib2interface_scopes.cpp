@@ -10,24 +10,7 @@
 
 namespace zenlo {
 
-namespace {
-
 using perror = ParserInterface::error;
-
-// Runs a declaration: a failure of the term store becomes a parse error,
-// so that the message names the line of the declaration.
-template <class F>
-void declaring(F&& f) {
-  try {
-    f();
-  } catch (const perror&) {
-    throw;
-  } catch (const Exception& e) {
-    throw perror(e.message());
-  }
-}
-
-}  // namespace
 
 // ---------------------------------------------------------------------------
 // Declarations and definitions

@@ -7,23 +7,6 @@ namespace zenlo {
 
 using perror = ParserInterface::error;
 
-namespace {
-
-// Runs a declaration: a failure of the term store becomes a parse error,
-// so that the message names the line of the declaration.
-template <class F>
-void declaring(F&& f) {
-  try {
-    f();
-  } catch (const perror&) {
-    throw;
-  } catch (const Exception& e) {
-    throw perror(e.message());
-  }
-}
-
-}  // namespace
-
 SmtLib2Parser::SmtLib2Parser(TermManager* tm)
     : d_tm(tm), d_terms(tm), d_sorts(tm) {}
 
