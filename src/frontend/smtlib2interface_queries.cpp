@@ -133,8 +133,13 @@ void SmtLib2Interface::add_unmet_symbols(std::vector<ModelAssignment>& model) {
   for (const ModelAssignment& a : model) {
     met.insert(a.first->get_symbol());
   }
+  // Values of uninterpreted sorts are symbols too, made on first use:
+  // the signature may grow below, so it is not walked while that happens.
+  std::vector<const Symbol*> symbols;
   for (const auto& entry : tm.get_signature()) {
-    const Symbol* s = entry.second;
+    symbols.push_back(entry.second);
+  }
+  for (const Symbol* s : symbols) {
     const std::string& name = s->get_name();
     bool user_symbol = s->get_arity() == 0 ? tm.is_constant(s)
                                            : tm.is_uninterpreted_function(s);
