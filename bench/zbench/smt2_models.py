@@ -268,10 +268,10 @@ def strict_check_script(shot, model):
         raise ModelError("no value for %s" % ", ".join(missing[:5]))
     values = AbstractValues(declared)
     body = []
+    aliases = any(c[0] == "define-sort" for k, c in shot.items
+                  if k == "sort")
     for n, d in declared.items():
         e = defs[n]
-        aliases = any(c[0] == "define-sort" for k, c in shot.items
-                      if k == "sort")
         if not aliases and ([show(p[1]) for p in e[2]]
                             != [show(s) for s in d[2]]
                             or show(e[3]) != show(d[3])):
@@ -395,9 +395,10 @@ def pairs_check_script(shot, pairs):
     for term, value in pairs:
         # -model prints function points with abstract arguments too; bare
         # names (definitions, :named terms) are no values.
+        sort = values._sort_of(term, {})
         if not isinstance(term, str):
-            values.scan(term, values._sort_of(term, {}), {})
-        values.scan(value, values._sort_of(term, {}), {})
+            values.scan(term, sort, {})
+        values.scan(value, sort, {})
     body = [show(c) for k, c in shot.items if k != "sort"]
     body += ["(assert %s)" % show(a) for a in shot.assumptions]
     body += ["(assert (= %s %s))" % (show(values.rename(t)),
