@@ -56,8 +56,14 @@ std::pair<bool, bool> EufSolverInterface::tell_atom(const Term_* atom) {
 
 void EufSolverInterface::retract_atom(const Term_* atom) {
   d_solver.retract_atom(atom);
-  // A Boolean argument whose variable goes must be asked for again.
-  d_bool_args.erase(atom);
+  // A Boolean argument whose variable goes must be asked for again. When
+  // its node outlives the variable (the application was told at an older
+  // backtrack point), no new term will bring it back, so it is asked for
+  // at the next check; otherwise the node would float free of its truth
+  // value and congruence would treat it as neither true nor false.
+  if (d_bool_args.erase(atom) && d_solver.has_node(atom)) {
+    d_rerequests.push_back(atom);
+  }
   d_defined.erase(atom);
   if (TheoryEq** teq = d_teqs.get(atom)) {
     (*teq)->destroy();
@@ -97,6 +103,12 @@ bool EufSolverInterface::is_own_term(const Term_* t) const {
 
 void EufSolverInterface::take_requests(std::vector<const Term_*>& bool_args,
                                        std::vector<const Term_*>& foreign) {
+  for (const Term_* c : d_rerequests) {
+    if (d_solver.has_node(c) && d_bool_args.insert(c).second) {
+      bool_args.push_back(c);
+    }
+  }
+  d_rerequests.clear();
   d_new_terms.clear();
   d_solver.take_new_terms(d_new_terms);
   for (const Term_* t : d_new_terms) {

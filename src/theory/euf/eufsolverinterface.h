@@ -188,6 +188,7 @@ class EufSolverInterface : public TheorySolver {
   // definitions to hand out.
   TermSet d_bool_args;
   TermSet d_defined;
+  std::vector<const Term_*> d_rerequests;  // arguments whose variable went
   std::vector<const Term_*> d_new_terms;
   std::deque<std::vector<TheoryLit>> d_def_lemmas;
 

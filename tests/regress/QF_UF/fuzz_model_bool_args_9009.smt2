@@ -1,6 +1,7 @@
 ; ARGS: -allow_bool_function_args=true
-; Waits for a fix: get-model answers "Invalid model" for UFs with Boolean
-; arguments that are formulas. Found by bench/fuzz.
+; get-model once answered "Invalid model": a Boolean argument whose
+; variable went with a pop, while the application stayed from an older
+; level, was never asked for again. Found by bench/fuzz.
 ; replay: bench/fuzz --logic QF_UF --incremental --replay 9009
 (declare-sort U 0)
 (declare-sort V 0)
