@@ -112,6 +112,12 @@ void EufSolverInterface::take_requests(std::vector<const Term_*>& bool_args,
   d_new_terms.clear();
   d_solver.take_new_terms(d_new_terms);
   for (const Term_* t : d_new_terms) {
+    // Atoms told again after a backtrack may make nodes that a retraction
+    // takes away before anyone asked: such a term belongs to no live
+    // atom, and a request for it would bring popped symbols back.
+    if (!d_solver.has_node(t)) {
+      continue;
+    }
     if (!is_own_term(t)) {
       foreign.push_back(t);
     }
