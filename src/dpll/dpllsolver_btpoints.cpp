@@ -63,7 +63,12 @@ void DpllSolver::reopen_btlevels(int count) {
 void DpllSolver::pop_backtrack_point() {
   const Lit b = d_btpoints.back();
   const Var bv = var(b);
-  cancel_until(num_backtrack_points() - 1);
+  // A theory may hold the atoms of the point's variables below the point's
+  // level (a restart during the point's search tells them again at level
+  // 0). Retracting them there undoes every later step of the theory, so
+  // the search goes down to level 0 first, where nothing of a higher level
+  // can be caught in the cut.
+  cancel_until(d_theory_on ? 0 : num_backtrack_points() - 1);
 
   // When the point's literal was refuted at level 0, the entries above it
   // on the trail may rest on clauses that are about to go: take them off
@@ -186,6 +191,9 @@ void DpllSolver::pop_young_vars(Var bv) {
     const Term_* t = d_var_term[y];
     if (t != nullptr && d_theory_on) {
       theory_retract_atom(t, y);
+      // The retraction took back, with the atom, the level-0 literals the
+      // theory heard after it: they are sent again.
+      d_theory_head = 0;
     }
     unproxy(y);
     pop_var();

@@ -160,8 +160,12 @@ void ModelStore::collect_points(const std::vector<TermList>& classes) {
   TermList args;
   for (const TermList& members : classes) {
     for (const Term_* m : members) {
+      // A theory may name a class by a term that no formula of this answer
+      // holds (left from an earlier check): it stands for the class only,
+      // and its arguments, valued by nothing, must not set a point.
       if (m->get_arity() == 0
-          || !d_tm->is_uninterpreted_function(m->get_symbol())) {
+          || !d_tm->is_uninterpreted_function(m->get_symbol())
+          || !d_seen.contains(m)) {
         continue;
       }
       args.clear();
@@ -175,9 +179,6 @@ void ModelStore::collect_points(const std::vector<TermList>& classes) {
         throw error("Invalid model");  // congruence broken
       }
       d_values[point] = v;
-      if (!d_seen.contains(m)) {
-        continue;  // only the points the model lists may give the default
-      }
       const Term_* const* def = d_function_defaults.get(m->get_symbol());
       if (def == nullptr) {
         d_function_defaults.insert(m->get_symbol(), point);

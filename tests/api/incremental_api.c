@@ -1,10 +1,13 @@
 /* Random sequences of push, assert, pop, check and check under assumptions
  * through zenlo.h only. At every check the answer is compared with a fresh
  * environment (sharing the term store) that holds only the live
- * assertions, and with brute force over the atoms; every model must
+ * assertions, and, over Boolean atoms, with brute force; every model must
  * satisfy the live assertions under zenlo_model_eval, also after the next
  * check; every set of unsat assumptions must be unsat with the
- * assertions. */
+ * assertions. The second half of the runs draws its atoms from equalities
+ * over uninterpreted functions, some of whose arguments are formulas: a
+ * term first met above a backtrack point must leave the congruence closure
+ * whole when the point goes. */
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -30,6 +33,7 @@ static int failures = 0;
 #define MAXLIVE 256
 
 static unsigned seed;
+static int theory;    /* atoms over functions rather than Boolean constants */
 static int counts[4]; /* sat, unsat, sat assuming, unsat assuming */
 static int step;
 static unsigned rng;
@@ -46,6 +50,9 @@ static int pick(int n) {
 static zenlo_env make_env(zenlo_env share_with) {
   zenlo_config cfg = zenlo_create_config();
   zenlo_set_option(cfg, "model_generation", "true");
+  if (theory) {
+    zenlo_set_option(cfg, "allow_bool_function_args", "true");
+  }
   zenlo_env e = ZENLO_ERROR_ENV(share_with)
                     ? zenlo_create_env(cfg)
                     : zenlo_create_shared_env(cfg, share_with);
@@ -111,6 +118,15 @@ static int fresh_answer(zenlo_env e, zenlo_term* fs, int n) {
   return r;
 }
 
+/* The answer the conjunction of `fs` must get: by brute force over
+ * Boolean atoms, from a fresh environment over theory atoms. */
+static int expected(zenlo_env e, zenlo_term* fs, int n) {
+  if (theory) {
+    return fresh_answer(e, fs, n);
+  }
+  return brute_sat(e, fs, n) ? ZENLO_SAT : ZENLO_UNSAT;
+}
+
 static int model_satisfies(zenlo_model m, zenlo_env e, zenlo_term* fs, int n) {
   for (int i = 0; i < n; ++i) {
     zenlo_term v = zenlo_model_eval(m, fs[i]);
@@ -143,9 +159,11 @@ static void remember_model(zenlo_env e, zenlo_term* fs, int n) {
 
 static void do_check(zenlo_env e) {
   int r = zenlo_solve(e);
-  int expect = brute_sat(e, live, nlive) ? ZENLO_SAT : ZENLO_UNSAT;
+  int expect = expected(e, live, nlive);
   CHECK(r == expect);
-  CHECK(fresh_answer(e, live, nlive) == expect);
+  if (!theory) {
+    CHECK(fresh_answer(e, live, nlive) == expect);
+  }
   ++counts[r == ZENLO_SAT ? 0 : 1];
   if (old_model.repr != NULL) {
     /* A handle of an earlier answer still answers as it did. */
@@ -173,7 +191,7 @@ static void do_check_assuming(zenlo_env e) {
   for (int i = 0; i < n; ++i) {
     all[nlive + i] = as[i];
   }
-  int expect = brute_sat(e, all, nlive + n) ? ZENLO_SAT : ZENLO_UNSAT;
+  int expect = expected(e, all, nlive + n);
   CHECK(r == expect);
   ++counts[r == ZENLO_SAT ? 2 : 3];
   if (r == ZENLO_SAT) {
@@ -192,18 +210,66 @@ static void do_check_assuming(zenlo_env e) {
     CHECK(found);
     all[nlive + (int)i] = core[i];
   }
-  CHECK(!brute_sat(e, all, nlive + (int)k));
+  CHECK(expected(e, all, nlive + (int)k) == ZENLO_UNSAT);
   zenlo_free(core);
+}
+
+static zenlo_term constant(zenlo_env e, const char* name, zenlo_type t) {
+  return zenlo_make_constant(e, zenlo_declare_function(e, name, t));
+}
+
+/* Two Boolean constants and equalities between terms over a sort U:
+ * constants, f(x), and g(p, x) with a Boolean argument p that may be a
+ * constant, an equality or a compound formula. */
+static void make_theory_atoms(zenlo_env e) {
+  zenlo_type b = zenlo_get_bool_type(e);
+  zenlo_type u = zenlo_get_simple_type(e, "U");
+  zenlo_type bu[2] = {b, u};
+  zenlo_decl f =
+      zenlo_declare_function(e, "f", zenlo_get_function_type(e, &u, 1, u));
+  zenlo_decl g =
+      zenlo_declare_function(e, "g", zenlo_get_function_type(e, bu, 2, u));
+  zenlo_term p0 = constant(e, "p0", b);
+  zenlo_term p1 = constant(e, "p1", b);
+  zenlo_term x[3] = {
+      constant(e, "a", u), constant(e, "b", u), constant(e, "c", u)};
+  zenlo_term pool[10];
+  int n = 0;
+  for (int i = 0; i < 3; ++i) {
+    pool[n++] = x[i];
+  }
+  pool[n++] = zenlo_make_uf(e, f, &x[0]);
+  pool[n++] = zenlo_make_uf(e, f, &x[1]);
+  zenlo_term fa = pool[3];
+  pool[n++] = zenlo_make_uf(e, f, &fa);
+  zenlo_term args[4][2] = {
+      {p0, x[0]},
+      {zenlo_make_equal(e, x[0], x[1]), x[2]},
+      {zenlo_make_and(e, p1, zenlo_make_equal(e, x[1], x[2])), x[0]},
+      {zenlo_make_not(e, zenlo_make_equal(e, fa, x[2])), x[1]}};
+  for (int i = 0; i < 4; ++i) {
+    pool[n++] = zenlo_make_uf(e, g, args[i]);
+  }
+  atoms[0] = p0;
+  atoms[1] = p1;
+  for (int k = 2; k <= NATOMS; ++k) {
+    int i = pick(n);
+    int j = (i + 1 + pick(n - 1)) % n;
+    atoms[k] = zenlo_make_equal(e, pool[i], pool[j]);
+  }
 }
 
 static void run(unsigned s, int steps) {
   seed = rng = s;
   zenlo_env e = make_env((zenlo_env){NULL});
-  for (int i = 0; i <= NATOMS; ++i) {
-    char name[16];
-    snprintf(name, sizeof name, "p%d", i);
-    atoms[i] = zenlo_make_constant(
-        e, zenlo_declare_function(e, name, zenlo_get_bool_type(e)));
+  if (theory) {
+    make_theory_atoms(e);
+  } else {
+    for (int i = 0; i <= NATOMS; ++i) {
+      char name[16];
+      snprintf(name, sizeof name, "p%d", i);
+      atoms[i] = constant(e, name, zenlo_get_bool_type(e));
+    }
   }
   nlive = depth = 0;
   old_model.repr = NULL;
@@ -238,7 +304,8 @@ static void run(unsigned s, int steps) {
 }
 
 int main(void) {
-  for (unsigned s = 1; s <= 60; ++s) {
+  for (unsigned s = 1; s <= 120; ++s) {
+    theory = s > 60;
     run(s, 80);
   }
   printf("checks: %d sat, %d unsat; under assumptions: %d sat, %d unsat\n",
