@@ -1,7 +1,7 @@
 // The text of a dumped theory fact ("tlemma_N.smt2"): a formula that must
 // be unsatisfiable, for checking a theory's conflicts, explanations and
-// lemmas with another solver. Kept apart from the manager so that the
-// SMT-LIB printer of the front end can take over the writing.
+// lemmas with another solver. Kept apart from the manager, which then
+// needs nothing of the front end's printer.
 #ifndef ZENLO_THEORY_TLEMMADUMP_H
 #define ZENLO_THEORY_TLEMMADUMP_H
 
