@@ -110,6 +110,12 @@ void DpllSolver::pop_backtrack_point() {
   d_assumptions.clear();
   if (d_theory_on) {
     theory_pop_backtrack_point();
+    // Level 0 goes back to the theories now, ahead of the atoms the next
+    // check tells them: heard after those, it would be cut again with
+    // them at the next pop, and sent again, at every round.
+    if (decision_level() == 0 && d_theory_head < d_trail.size()) {
+      check_theory(true);
+    }
   }
   if (d_ok < 0) {
     reopen_btlevels(num_backtrack_points());
