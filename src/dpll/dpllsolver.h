@@ -438,7 +438,8 @@ class DpllSolver {
   // The theory hooks: each stands for one call of the theory manager and
   // does nothing while none is attached.
   virtual void theory_tell_atom(const Term_* term, Var v);
-  virtual void theory_retract_atom(const Term_* term, Var v);
+  // Returns: whether the theories took back literals they must hear again.
+  virtual bool theory_retract_atom(const Term_* term, Var v);
   virtual void theory_new_decision_level();
   virtual void theory_cancel_until(int level);
   virtual void theory_push_backtrack_point();

@@ -195,10 +195,9 @@ void DpllSolver::pop_young_vars(Var bv) {
                   + " outlives its backtrack point");
     }
     const Term_* t = d_var_term[y];
-    if (t != nullptr && d_theory_on) {
-      theory_retract_atom(t, y);
-      // The retraction took back, with the atom, the level-0 literals the
-      // theory heard after it: they are sent again.
+    // A retraction may take back, with the atom, level-0 literals the
+    // theory heard after it: then they are sent again.
+    if (t != nullptr && d_theory_on && theory_retract_atom(t, y)) {
       d_theory_head = 0;
     }
     unproxy(y);

@@ -423,10 +423,8 @@ void DpllSolver::theory_tell_atom(const Term_* term, Var v) {
   }
 }
 
-void DpllSolver::theory_retract_atom(const Term_* term, Var v) {
-  if (d_theory != nullptr) {
-    d_theory->retract_atom(term, v);
-  }
+bool DpllSolver::theory_retract_atom(const Term_* term, Var v) {
+  return d_theory != nullptr && d_theory->retract_atom(term, v);
 }
 
 void DpllSolver::theory_new_decision_level() {

@@ -163,14 +163,17 @@ void TheoryManager::tell_atom(const Term_* term, Var v) {
   handle_euf_requests();
 }
 
-void TheoryManager::retract_atom(const Term_* term, Var v) {
+bool TheoryManager::retract_atom(const Term_* term, Var v) {
+  bool took_back = false;
   if (static_cast<size_t>(v) < d_non_theory.size() && !d_non_theory[v]) {
     if (enabled(0)) {
       d_solvers[0]->retract_atom(term);
+      took_back |= d_solvers[0]->took_back_facts();
     }
     for (int i = 1; i < kNumSolvers; ++i) {
       if (enabled(i) && (d_listeners[v] >> i) & 1) {
         d_solvers[i]->retract_atom(term);
+        took_back |= d_solvers[i]->took_back_facts();
       }
     }
     undo_theory_combination_info(term, v);
@@ -183,6 +186,7 @@ void TheoryManager::retract_atom(const Term_* term, Var v) {
     d_var_of_term[term->get_id()] = var_Undef;
   }
   d_lemma_atoms.erase(v);
+  return took_back;
 }
 
 // ---------------------------------------------------------------------------

@@ -87,7 +87,9 @@ class TheoryManager {
 
   // Requires: `var` is the youngest told variable not yet retracted.
   // After: every solver that was told the atom has forgotten it.
-  void retract_atom(const Term_* term, Var var);
+  // Returns: whether a solver took back, with the atom, literals assumed
+  //   after it, which must be assumed again.
+  bool retract_atom(const Term_* term, Var var);
 
   // ---- Levels --------------------------------------------------------------
 

@@ -137,6 +137,11 @@ class TheorySolver {
   //   followed by the atom.
   virtual void retract_atom(const Term_* atom);
 
+  // Returns: whether a retract_atom since the last call took back, with
+  //   the atom, literals assumed after it, which the search must then
+  //   assume again; the mark is cleared. Base: true, which is always safe.
+  virtual bool took_back_facts() { return true; }
+
   // ---- Levels and backtrack points -----------------------------------------
 
   // After: what is assumed from now on is undone by the matching

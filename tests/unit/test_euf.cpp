@@ -462,6 +462,31 @@ TEST_F(EufTest, RetractedAtomsLoseTheirNodesOthersStay) {
   EXPECT_FALSE(s.check());
 }
 
+// A retraction undoes what came after the atom; the facts among that must
+// be asserted again by the caller, and only then does it say so.
+TEST_F(EufTest, RetractionSaysWhenItTookFactsBack) {
+  euf::Solver s(&tm);
+  const Term_* a = constant("a");
+  const Term_* b = constant("b");
+  const Term_* c = constant("c");
+  TheoryLit older = eq(a, b);
+  TheoryLit young = eq(b, c);
+  s.tell_atom(older.atom());
+  EXPECT_TRUE(assert_all(s, {older}));
+  s.tell_atom(young.atom());
+  EXPECT_FALSE(s.retract_atom(young.atom()));
+  EXPECT_EQ(s.get_representative(a), s.get_representative(b));
+
+  s.tell_atom(young.atom());
+  TheoryLit later = eq(a, c);
+  s.tell_atom(later.atom());
+  EXPECT_TRUE(assert_all(s, {later}));
+  EXPECT_TRUE(s.retract_atom(young.atom()));
+  // The fact asserted before the young atom stays; the later one went.
+  EXPECT_EQ(s.get_representative(a), s.get_representative(b));
+  EXPECT_NE(s.get_representative(a), s.get_representative(c));
+}
+
 // ---------------------------------------------------------------------------
 // Depth
 // ---------------------------------------------------------------------------

@@ -261,7 +261,7 @@ void Solver::tell_atom(const Term_* atom) {
   deduce_on_tell(n);
 }
 
-void Solver::retract_atom(const Term_* atom) {
+bool Solver::retract_atom(const Term_* atom) {
   size_t pos = d_undo.size();
   while (pos > 0) {
     const UndoCell& c = d_undo[pos - 1];
@@ -273,12 +273,14 @@ void Solver::retract_atom(const Term_* atom) {
   if (pos == 0) {
     throw error("can't retract atom: " + atom->to_str());
   }
+  const uint64_t facts_before = d_facts_undone;
   d_undo.cut_to(pos - 1, [this](const UndoCell& c) { undo(c); });
   // Only the atom itself is forgotten: whatever else was undone with it
-  // comes back.
+  // comes back (the facts through the caller).
   d_retell.erase(std::remove(d_retell.begin(), d_retell.end(), atom),
                  d_retell.end());
   after_backtrack();
+  return d_facts_undone != facts_before;
 }
 
 // ---------------------------------------------------------------------------
@@ -286,6 +288,7 @@ void Solver::retract_atom(const Term_* atom) {
 // ---------------------------------------------------------------------------
 
 bool Solver::push_constraint(TheoryLit lit) {
+  push_undo(UndoKind::Fact, nullptr);
   const Term_* atom = lit.atom();
   const bool positive = !lit.negated();
   EqNode* n = node_of(atom);
@@ -313,6 +316,7 @@ bool Solver::push_constraint(TheoryLit lit) {
 }
 
 bool Solver::assert_equal(const Term_* a, const Term_* b, TheoryLit reason) {
+  push_undo(UndoKind::Fact, nullptr);
   EqNode* na = node_of(a);
   EqNode* nb = node_of(b);
   assert_eq(na, nb, reason);
@@ -320,6 +324,7 @@ bool Solver::assert_equal(const Term_* a, const Term_* b, TheoryLit reason) {
 }
 
 bool Solver::assert_distinct(const Term_* a, const Term_* b, TheoryLit reason) {
+  push_undo(UndoKind::Fact, nullptr);
   EqNode* na = node_of(a);
   EqNode* nb = node_of(b);
   assert_neq(na, nb, reason);

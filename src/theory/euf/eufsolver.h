@@ -93,7 +93,10 @@ class Solver {
   // Requires: `atom` was told and not retracted.
   // After: the atom and what was told after it are undone; the others are
   //   told again.
-  void retract_atom(const Term_* atom);
+  // Returns: whether facts asserted after the atom (push_constraint,
+  //   assert_equal, assert_distinct) went with it; the caller must assert
+  //   them again.
+  bool retract_atom(const Term_* atom);
 
   bool has_node(const Term_* t) const { return node_or_null(t) != nullptr; }
 
@@ -243,6 +246,7 @@ class Solver {
     Implied,    // a: atom node whose reason was stored
     DropWatch,  // a: watch taken out, b: its predecessor, c: the class root,
                 // flag: it was the head of the list
+    Fact,       // an asserted fact begins; undoing it counts it lost
   };
 
   struct UndoCell {
@@ -443,6 +447,7 @@ class Solver {
   std::vector<const Term_*> d_build_stack;
   bool d_report_new_terms = false;
   std::vector<const Term_*> d_new_terms;
+  uint64_t d_facts_undone = 0;
   Stats d_stats;
 };
 

@@ -72,6 +72,7 @@ void Solver::retell() {
 void Solver::undo(const UndoCell& c) {
   switch (c.kind) {
     case UndoKind::Start: break;
+    case UndoKind::Fact: ++d_facts_undone; break;
     case UndoKind::Conflict: d_consistent = true; break;
     case UndoKind::Symbol: {
       auto* n = static_cast<EqNode*>(c.a);

@@ -55,7 +55,9 @@ std::pair<bool, bool> EufSolverInterface::tell_atom(const Term_* atom) {
 }
 
 void EufSolverInterface::retract_atom(const Term_* atom) {
-  d_solver.retract_atom(atom);
+  // The literals still queued are not facts yet: they reach the closure
+  // at the next check either way.
+  d_took_back_facts |= d_solver.retract_atom(atom);
   // A Boolean argument whose variable goes must be asked for again. When
   // its node outlives the variable (the application was told at an older
   // backtrack point), no new term will bring it back, so it is asked for
@@ -69,6 +71,12 @@ void EufSolverInterface::retract_atom(const Term_* atom) {
     (*teq)->destroy();
     d_teqs.erase(atom);
   }
+}
+
+bool EufSolverInterface::took_back_facts() {
+  bool took = d_took_back_facts;
+  d_took_back_facts = false;
+  return took;
 }
 
 // Arrays count too: over finite indices and elements there are finitely

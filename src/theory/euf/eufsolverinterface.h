@@ -52,6 +52,7 @@ class EufSolverInterface : public TheorySolver {
   // Boolean arguments, and all atoms when dynamic Ackermann is on.
   std::pair<bool, bool> tell_atom(const Term_* atom) override;
   void retract_atom(const Term_* atom) override;
+  bool took_back_facts() override;
   void new_decision_level() override;
   void cancel_until(int level) override;
   bool assume(TheoryLit lit) override;
@@ -189,6 +190,7 @@ class EufSolverInterface : public TheorySolver {
   TermSet d_bool_args;
   TermSet d_defined;
   std::vector<const Term_*> d_rerequests;  // arguments whose variable went
+  bool d_took_back_facts = false;
   std::vector<const Term_*> d_new_terms;
   std::deque<std::vector<TheoryLit>> d_def_lemmas;
 
