@@ -37,20 +37,30 @@ def wait_for_handler(pid, sig, limit=30.0):
 
 def main():
     zenlo, status, regex = sys.argv[1], int(sys.argv[2]), sys.argv[3]
-    args, stdin_path, sigint_after = [], None, None
+    args, stdin_path, sigint_after, hold = [], None, None, False
     for a in sys.argv[4:]:
         if a.startswith("STDIN="):
             stdin_path = a[len("STDIN="):]
+        elif a.startswith("STDIN_HOLD="):
+            # The file's text, then standard input stays open: zenlo waits
+            # in read(), where a signal meets no half-done allocation.
+            stdin_path, hold = a[len("STDIN_HOLD="):], True
         elif a.startswith("SIGINT_AFTER="):
             sigint_after = float(a[len("SIGINT_AFTER="):])
         else:
             args.append(a)
     stdin = open(stdin_path, "rb") if stdin_path else subprocess.DEVNULL
+    if hold:
+        stdin = subprocess.PIPE
     # A child of a non-interactive shell may inherit SIGINT as ignored.
     proc = subprocess.Popen(
         [zenlo] + args, stdin=stdin, stdout=subprocess.PIPE,
         stderr=subprocess.PIPE, text=True,
         preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+    if hold:
+        with open(stdin_path) as f:
+            proc.stdin.write(f.read())
+        proc.stdin.flush()
     if sigint_after is not None:
         time.sleep(sigint_after)
         wait_for_handler(proc.pid, signal.SIGINT)

@@ -1,0 +1,3 @@
+(set-logic QF_UF)
+(declare-fun p () Bool)
+(assert p)
