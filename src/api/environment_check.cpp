@@ -4,13 +4,13 @@
 
 #include "api/environment.h"
 #include "api/terminationtest.h"
-#include "api/typecheckscope.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/cnfgenerator.h"
 #include "preprocess/constraintencoder.h"
 #include "preprocess/dpllclausesink.h"
 #include "preprocess/modelstore.h"
 #include "preprocess/polaritychecker.h"
+#include "terms/typecheckscope.h"
 
 namespace zenlo {
 
@@ -122,7 +122,7 @@ void Environment::log_step(int level, const char* what) {
 // ---------------------------------------------------------------------------
 
 int Environment::check() {
-  TypecheckOff typecheck_off(*d_tm);
+  TypecheckScope typecheck_off(*d_tm, false);
   // (The tracer sees the call.)
   try {
     return do_check();

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "api/environment.h"
-#include "api/typecheckscope.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/modelstore.h"
 #include "preprocess/polaritychecker.h"
 #include "preprocess/rewritestack.h"
 #include "terms/termmanager.h"
+#include "terms/typecheckscope.h"
 
 namespace zenlo {
 
@@ -82,18 +82,18 @@ ModelStore& Environment::current_model(const char* /*what*/) {
 }
 
 const Term_* Environment::get_model_value(const Term_* t) {
-  TypecheckOff typecheck_off(*d_tm);
+  TypecheckScope typecheck_off(*d_tm, false);
   return current_model("get_model_value").get_value(t);
 }
 
 const Term_* Environment::get_model_default_value(const Type* type) {
-  TypecheckOff typecheck_off(*d_tm);
+  TypecheckScope typecheck_off(*d_tm, false);
   return current_model("get_model_value").get_default_value(type);
 }
 
 std::vector<std::pair<const Term_*, const Term_*>>
 Environment::get_model_assignments() {
-  TypecheckOff typecheck_off(*d_tm);
+  TypecheckScope typecheck_off(*d_tm, false);
   ModelStore& m = current_model("model_begin");
   return std::vector<std::pair<const Term_*, const Term_*>>(m.begin(), m.end());
 }
@@ -125,7 +125,7 @@ size_t Environment::diversify(ModelFoundHook& hook,
       return count;  // unsat (the mark is set) or unknown
     }
     ++count;
-    TypecheckOff typecheck_off(*d_tm);
+    TypecheckScope typecheck_off(*d_tm, false);
     ModelStore& m = current_model("diversify");
     std::vector<ModelStore::Assignment> pairs(m.begin(), m.end());
     if (!hook(pairs.data(), pairs.data() + pairs.size())) {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "api/environment.h"
-#include "api/typecheckscope.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/cnfgenerator.h"
 #include "preprocess/constraintencoder.h"
@@ -18,6 +17,7 @@
 #include "preprocess/modelstore.h"
 #include "preprocess/polaritychecker.h"
 #include "preprocess/rewritestack.h"
+#include "terms/typecheckscope.h"
 
 namespace zenlo {
 
@@ -147,7 +147,7 @@ void Environment::shallow_assumptions(std::vector<dpll::Lit>& out) {
 // ---------------------------------------------------------------------------
 
 int Environment::check_with_assumptions(const TermList& assumptions) {
-  TypecheckOff typecheck_off(*d_tm);
+  TypecheckScope typecheck_off(*d_tm, false);
   // (The tracer sees the call.)
   // Refused assumptions are found before the solver is touched, so that
   // the environment stays as it was.

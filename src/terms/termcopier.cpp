@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "terms/termvisitor.h"
+#include "terms/typecheckscope.h"
 
 namespace zenlo {
 
@@ -27,30 +28,13 @@ class TermCopyCallback : public TermVisitorCallback {
   TermCopier& d_copier;
 };
 
-class UncheckedScope {
- public:
-  explicit UncheckedScope(TermManager& tm)
-      : d_tm(tm), d_old(tm.typechecking_enabled()) {
-    tm.enable_typechecking(false);
-  }
-
-  ~UncheckedScope() { d_tm.enable_typechecking(d_old); }
-
-  UncheckedScope(const UncheckedScope&) = delete;
-  UncheckedScope& operator=(const UncheckedScope&) = delete;
-
- private:
-  TermManager& d_tm;
-  bool d_old;
-};
-
 }  // namespace
 
 const Term_* TermCopier::copy_term(const Term_* t) {
   if (const Term_* done = image(t)) {
     return done;
   }
-  UncheckedScope unchecked(d_to);
+  TypecheckScope unchecked(d_to, false);
   TermCopyCallback cb(*this);
   TermVisitor<TermCopyCallback> visitor(d_from, cb);
   visitor.visit(t);

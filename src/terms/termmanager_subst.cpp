@@ -6,6 +6,7 @@
 
 #include "terms/termmanager.h"
 #include "terms/termvisitor.h"
+#include "terms/typecheckscope.h"
 
 namespace zenlo {
 
@@ -43,25 +44,6 @@ class SubstituteCallback : public TermVisitorCallback {
   const TermMap& d_map;
   TermMap d_result;
   TermList d_args;
-};
-
-// Sets the store's type checking for the length of a scope; the old value
-// comes back on every exit, exceptions included.
-class TypecheckScope {
- public:
-  TypecheckScope(TermManager& tm, bool on)
-      : d_tm(tm), d_old(tm.typechecking_enabled()) {
-    tm.enable_typechecking(on);
-  }
-
-  ~TypecheckScope() { d_tm.enable_typechecking(d_old); }
-
-  TypecheckScope(const TypecheckScope&) = delete;
-  TypecheckScope& operator=(const TypecheckScope&) = delete;
-
- private:
-  TermManager& d_tm;
-  bool d_old;
 };
 
 }  // namespace
