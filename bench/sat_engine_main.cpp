@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "api/configuration.h"
+#include "base/configuration.h"
 #include "dpll/dpllsolver.h"
 
 namespace {

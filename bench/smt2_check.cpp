@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "api/configurationsetter.h"
-#include "api/environment.h"
+#include "base/configurationsetter.h"
+#include "env/environment.h"
 #include "frontend/smtlib2parser.h"
 #include "frontend/smtlib2scanner.h"
 

@@ -19,8 +19,8 @@
 #include <new>
 #include <string>
 
-#include "api/exception.h"
-#include "api/terminationtest.h"
+#include "base/exception.h"
+#include "base/terminationtest.h"
 #include "zenlo.h"
 
 namespace zenlo {

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "api/capi.h"
-#include "api/environment.h"
+#include "env/environment.h"
 #include "terms/numbers.h"
 #include "terms/termmanager.h"
 

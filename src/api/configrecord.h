@@ -10,8 +10,8 @@
 
 #include <string>
 
-#include "api/configuration.h"
-#include "api/configurationsetter.h"
+#include "base/configuration.h"
+#include "base/configurationsetter.h"
 #include "zenlo.h"
 
 namespace zenlo {

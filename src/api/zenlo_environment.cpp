@@ -4,7 +4,8 @@
 
 #include "api/capi.h"
 #include "api/configrecord.h"
-#include "api/environment.h"
+#include "env/environment.h"
+#include "frontend/tlemmadump.h"
 
 using namespace zenlo;
 
@@ -39,13 +40,19 @@ const Configuration& settings_of(zenlo_config cfg) {
   return rec->config;
 }
 
+// Theory facts go to numbered files when -debug.dump_theory_lemmas asks.
+Environment* with_fact_writer(Environment* env) {
+  env->set_theory_fact_sink(std::make_unique<TlemmaFileWriter>());
+  return env;
+}
+
 }  // namespace
 
 extern "C" {
 
 zenlo_env zenlo_create_env(zenlo_config cfg) {
   return capi::guarded_noenv(zenlo_env{nullptr}, [&] {
-    return wrap_env(new Environment(settings_of(cfg)));
+    return wrap_env(with_fact_writer(new Environment(settings_of(cfg))));
   });
 }
 
@@ -55,7 +62,8 @@ zenlo_env zenlo_create_shared_env(zenlo_config cfg, zenlo_env sibling) {
     if (other == nullptr) {
       throw capi::invalid_handle("environment");
     }
-    return wrap_env(new Environment(settings_of(cfg), &other->tm()));
+    return wrap_env(
+        with_fact_writer(new Environment(settings_of(cfg), &other->tm())));
   });
 }
 

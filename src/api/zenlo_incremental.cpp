@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "api/capi.h"
-#include "api/environment.h"
+#include "env/environment.h"
 
 using namespace zenlo;
 

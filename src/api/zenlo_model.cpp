@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "api/capi.h"
-#include "api/environment.h"
+#include "env/environment.h"
 #include "preprocess/modelstore.h"
 
 using namespace zenlo;

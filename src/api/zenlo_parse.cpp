@@ -128,7 +128,7 @@ zenlo_term zenlo_from_smtlib2_file(zenlo_env e, FILE* f) {
 
 zenlo_term zenlo_from_string(zenlo_env e, const char* data) {
   return capi::guarded(e, capi::error_term(), [&](EnvRecord& r) {
-    return capi::wrap(r.env->from_smt2(capi::string_of(data)));
+    return capi::wrap(read_smtlib2_string(r.tm(), capi::string_of(data)));
   });
 }
 

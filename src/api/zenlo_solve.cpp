@@ -1,7 +1,7 @@
 // Asserting and solving: the functions of the C interface on the road to
 // an answer.
 #include "api/capi.h"
-#include "api/environment.h"
+#include "env/environment.h"
 
 using namespace zenlo;
 

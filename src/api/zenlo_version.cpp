@@ -1,20 +1,11 @@
 // Version and memory functions of the C interface.
-#include <gmp.h>
-
 #include <cstdlib>
 #include <string>
 
 #include "api/capi.h"
+#include "base/identity.h"
 
 using namespace zenlo;
-
-namespace {
-
-std::string version_id() {
-  return std::string(ZENLO_VERSION_STRING) + " (" + ZENLO_REVISION + ")";
-}
-
-}  // namespace
 
 extern "C" {
 
@@ -23,18 +14,12 @@ void zenlo_free(void* mem) {
 }
 
 char* zenlo_get_version(void) {
-  return capi::guarded_noenv<char*>(nullptr, [] {
-    std::string v =
-        "Zenlo5 version " + version_id() + " (" + __DATE__ + " " + __TIME__
-        + ", gmp " + gmp_version + ", gcc " + std::to_string(__GNUC__) + "."
-        + std::to_string(__GNUC_MINOR__) + "."
-        + std::to_string(__GNUC_PATCHLEVEL__) + ", 64-bit, reentrant)";
-    return capi::alloc_string(v);
-  });
+  return capi::guarded_noenv<char*>(
+      nullptr, [] { return capi::alloc_string(program_version()); });
 }
 
 const char* zenlo_get_version_id(void) {
-  static const std::string id = version_id();
+  static const std::string id = program_version_id();
   return id.c_str();
 }
 

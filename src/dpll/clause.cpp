@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "api/exception.h"
+#include "base/exception.h"
 
 namespace zenlo {
 namespace dpll {

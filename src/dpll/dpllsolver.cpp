@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "api/logger.h"
+#include "base/logger.h"
 
 namespace zenlo {
 

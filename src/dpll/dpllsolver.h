@@ -31,8 +31,8 @@
 #include <utility>
 #include <vector>
 
-#include "api/configuration.h"
-#include "api/exception.h"
+#include "base/configuration.h"
+#include "base/exception.h"
 #include "dpll/clause.h"
 #include "dpll/dplltypes.h"
 #include "dpll/heap.h"

@@ -4,7 +4,7 @@
 #include <climits>
 #include <ostream>
 
-#include "api/logger.h"
+#include "base/logger.h"
 #include "dpll/dpllsolver.h"
 
 namespace zenlo {

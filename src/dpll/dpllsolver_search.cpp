@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
-#include "api/logger.h"
-#include "api/terminationtest.h"
+#include "base/logger.h"
+#include "base/terminationtest.h"
 #include "dpll/dpllsolver.h"
 
 namespace zenlo {

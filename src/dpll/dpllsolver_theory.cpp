@@ -11,7 +11,7 @@
 #include <ostream>
 #include <sstream>
 
-#include "api/logger.h"
+#include "base/logger.h"
 #include "dpll/dpllsolver.h"
 #include "theory/theorymanager.h"
 

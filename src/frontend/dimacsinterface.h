@@ -11,8 +11,8 @@
 #include <ostream>
 #include <string>
 
-#include "api/configuration.h"
-#include "api/logger.h"
+#include "base/configuration.h"
+#include "base/logger.h"
 #include "dpll/dpllsolver.h"
 #include "frontend/toplevelinterface.h"
 #include "terms/termmanager.h"

@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-#include "api/exception.h"
+#include "base/exception.h"
 
 namespace zenlo {
 

@@ -20,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/hashtable.h"
 
 namespace zenlo {

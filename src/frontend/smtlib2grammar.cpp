@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "api/terminationtest.h"
+#include "base/terminationtest.h"
 #include "terms/hashtable.h"
 #include "zenlo.h"
 

@@ -8,17 +8,17 @@
 #include <new>
 #include <sstream>
 
-#include "api/cmdline.h"
-#include "api/environment.h"
-#include "api/terminationtest.h"
+#include "base/terminationtest.h"
+#include "env/environment.h"
+#include "frontend/tlemmadump.h"
 
 namespace zenlo {
 
-SmtLib2Interface::SmtLib2Interface(Configuration* config, CmdLine* cmdline)
-    : SmtLib2Interface(config, cmdline, std::cout, std::cerr) {
-  if (cmdline != nullptr) {
-    d_gc_period = cmdline->get_gc_period();
-  }
+SmtLib2Interface::SmtLib2Interface(Configuration* config,
+                                   ConfigurationSetter* setter,
+                                   uint32_t gc_period)
+    : SmtLib2Interface(config, setter, std::cout, std::cerr) {
+  d_gc_period = gc_period;
 }
 
 SmtLib2Interface::SmtLib2Interface(Configuration* config,
@@ -131,7 +131,9 @@ void SmtLib2Interface::print_error(std::ostream& out,
 // ---------------------------------------------------------------------------
 
 Environment* SmtLib2Interface::make_new_environment() {
-  return new Environment(*d_config);
+  auto* env = new Environment(*d_config);
+  env->set_theory_fact_sink(std::make_unique<TlemmaFileWriter>());
+  return env;
 }
 
 void SmtLib2Interface::init_env() {

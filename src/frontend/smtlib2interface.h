@@ -33,9 +33,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "api/configuration.h"
-#include "api/configurationsetter.h"
-#include "api/exception.h"
+#include "base/configuration.h"
+#include "base/configurationsetter.h"
+#include "base/exception.h"
 #include "frontend/smtlib2abstractparser.h"
 #include "frontend/smtlib2response.h"
 #include "frontend/smtlibsorts.h"
@@ -45,7 +45,6 @@
 
 namespace zenlo {
 
-class CmdLine;
 class Environment;
 
 class SmtLib2Interface : public ToplevelInterface,
@@ -61,9 +60,12 @@ class SmtLib2Interface : public ToplevelInterface,
   };
 
   // The command-line interpreter: answers on standard output, diagnostics
-  // on standard error, -gc_period from the command line.
-  // - Requires: both outlive the interface.
-  SmtLib2Interface(Configuration* config, CmdLine* cmdline);
+  // on standard error; `setter` as below; a garbage collection every
+  // `gc_period` checks (0 for none).
+  // - Requires: `config` and `setter` outlive the interface.
+  SmtLib2Interface(Configuration* config,
+                   ConfigurationSetter* setter,
+                   uint32_t gc_period);
 
   // An interpreter on given channels; `setter` (which :config and dotted
   // options write to) may be null, and the interface then has its own.

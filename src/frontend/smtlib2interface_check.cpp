@@ -8,8 +8,8 @@
 // all (a missing service) is an error.
 #include <new>
 
-#include "api/environment.h"
-#include "api/terminationtest.h"
+#include "base/terminationtest.h"
+#include "env/environment.h"
 #include "frontend/smtlib2interface.h"
 #include "frontend/smtlib2model.h"
 

@@ -11,8 +11,8 @@
 #include <iostream>
 #include <sstream>
 
-#include "api/cmdline.h"
-#include "api/environment.h"
+#include "base/identity.h"
+#include "env/environment.h"
 #include "frontend/smtlib2interface.h"
 
 namespace zenlo {

@@ -3,7 +3,7 @@
 // not offer (cores, proofs, interpolants, All-SAT, objectives).
 #include <unordered_set>
 
-#include "api/environment.h"
+#include "env/environment.h"
 #include "frontend/smtlib2interface.h"
 #include "frontend/smtlib2model.h"
 

@@ -5,7 +5,7 @@
 // :global-declarations nothing is recorded, so names outlive every pop.
 #include <algorithm>
 
-#include "api/environment.h"
+#include "env/environment.h"
 #include "frontend/smtlib2interface.h"
 
 namespace zenlo {

@@ -2,7 +2,7 @@
 // the name machinery on the environment's term store. The first request
 // makes the environment, so that the terms of a script and of its checks
 // live in one store.
-#include "api/environment.h"
+#include "env/environment.h"
 #include "frontend/smtlib2interface.h"
 
 namespace zenlo {

@@ -1,8 +1,8 @@
 // The library's ways in and out of SMT-LIB 2 text: each C function of the
-// parsing and printing family, and Environment::from_smt2, is one call
-// here. Readers run a fresh SmtLib2Parser on the given term store, so a
-// script may use symbols the store has already and its declarations stay
-// in the store; writers run a SmtLib2TermPrinter.
+// parsing and printing family is one call here. Readers run a fresh
+// SmtLib2Parser on the given term store, so a script may use symbols the store
+// has already and its declarations stay in the store; writers run a
+// SmtLib2TermPrinter.
 #ifndef ZENLO_FRONTEND_SMTLIB2IO_H
 #define ZENLO_FRONTEND_SMTLIB2IO_H
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "api/configuration.h"
+#include "base/configuration.h"
 #include "frontend/smtlib2parser.h"
 #include "frontend/termprinter.h"
 

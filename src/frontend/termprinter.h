@@ -25,8 +25,8 @@
 #include <string_view>
 #include <vector>
 
-#include "api/configuration.h"
-#include "api/exception.h"
+#include "base/configuration.h"
+#include "base/exception.h"
 #include "frontend/smtlib2abstractparser.h"
 #include "terms/hashtable.h"
 #include "terms/termmanager.h"

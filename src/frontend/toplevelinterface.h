@@ -15,7 +15,8 @@
 #include <ostream>
 #include <string>
 
-#include "api/terminationtest.h"
+#include "base/processfigures.h"
+#include "base/terminationtest.h"
 
 namespace zenlo {
 
@@ -82,19 +83,6 @@ class ToplevelInterface {
   // Prints `message` as an error of the input language, and flushes.
   virtual void print_error(std::ostream& out, const std::string& message) = 0;
 };
-
-// User plus system CPU time of the process, in seconds.
-double get_cpu_time_sec();
-
-// Resident memory of the process in bytes; 0 where it cannot be read.
-uint64_t get_mem_used_bytes();
-
-// Virtual size less resident and shared memory, in bytes; 0 where it
-// cannot be read.
-uint64_t get_mem_allocated_bytes();
-
-// Physical memory of the machine in bytes; 0 where it cannot be read.
-uint64_t get_total_system_memory_bytes();
 
 }  // namespace zenlo
 

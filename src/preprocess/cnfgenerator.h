@@ -12,7 +12,7 @@
 #ifndef ZENLO_PREPROCESS_CNFGENERATOR_H
 #define ZENLO_PREPROCESS_CNFGENERATOR_H
 
-#include "api/exception.h"
+#include "base/exception.h"
 
 namespace zenlo {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "api/terminationtest.h"
+#include "base/terminationtest.h"
 #include "terms/termmanager.h"
 #include "terms/termvisitor.h"
 

@@ -18,7 +18,7 @@
 #include <memory>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/symboltag.h"
 #include "terms/term.h"
 

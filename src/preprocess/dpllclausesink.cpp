@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "api/logger.h"
+#include "base/logger.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "preprocess/rewritestack.h"

@@ -49,7 +49,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "preprocess/adhoccalculator.h"
 #include "terms/hashtable.h"
 #include "terms/numbers.h"

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 
 namespace zenlo {
 

@@ -4,7 +4,7 @@
 #ifndef ZENLO_PREPROCESS_TSEITINCNFGENERATOR_IMPL_H
 #define ZENLO_PREPROCESS_TSEITINCNFGENERATOR_IMPL_H
 
-#include "api/terminationtest.h"
+#include "base/terminationtest.h"
 #include "preprocess/tseitincnfgenerator.h"
 #include "terms/termmanager.h"
 

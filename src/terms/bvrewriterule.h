@@ -11,8 +11,8 @@
 #ifndef ZENLO_TERMS_BVREWRITERULE_H
 #define ZENLO_TERMS_BVREWRITERULE_H
 
-#include "preprocess/termnormalizer.h"
 #include "terms/termmanager.h"
+#include "terms/termnormalizer.h"
 
 namespace zenlo {
 namespace norm {

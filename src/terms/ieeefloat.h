@@ -15,7 +15,7 @@
 #include <cstdint>
 #include <string>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/numbers.h"
 
 namespace zenlo {

@@ -28,7 +28,7 @@
 #include <string>
 #include <type_traits>
 
-#include "api/exception.h"
+#include "base/exception.h"
 
 namespace zenlo {
 

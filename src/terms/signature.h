@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/hashtable.h"
 #include "terms/symboltag.h"
 #include "terms/typeuniverse.h"

@@ -22,10 +22,10 @@
 #include <memory>
 #include <vector>
 
-#include "api/exception.h"
-#include "preprocess/termnormalizer.h"
+#include "base/exception.h"
 #include "terms/symboltag.h"
 #include "terms/term.h"
+#include "terms/termnormalizer.h"
 #include "terms/termsimplifier.h"
 
 namespace zenlo {

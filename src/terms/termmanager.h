@@ -27,7 +27,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/bitset.h"
 #include "terms/hashtable.h"
 #include "terms/ieeefloat.h"

@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/hashtable.h"
 
 namespace zenlo {

@@ -5,8 +5,8 @@
 
 #include <ostream>
 
-#include "api/logger.h"
-#include "api/terminationtest.h"
+#include "base/logger.h"
+#include "base/terminationtest.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"

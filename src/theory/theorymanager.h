@@ -23,8 +23,8 @@
 #include <string>
 #include <vector>
 
-#include "api/configuration.h"
-#include "api/exception.h"
+#include "base/configuration.h"
+#include "base/exception.h"
 #include "dpll/dplltypes.h"
 #include "terms/hashtable.h"
 #include "terms/term.h"
@@ -39,6 +39,7 @@ class Logger;
 class PolarityChecker;
 class TermManager;
 class TerminationTest;
+class TheoryFactSink;
 
 class TheoryManager {
  public:
@@ -70,6 +71,11 @@ class TheoryManager {
   virtual ~TheoryManager();
   TheoryManager(const TheoryManager&) = delete;
   TheoryManager& operator=(const TheoryManager&) = delete;
+
+  // With -debug.dump_theory_lemmas, every conflict, explanation and lemma
+  // also goes to `sink` as a formula that must be unsatisfiable.
+  // Requires: `sink` (may be null) outlives the manager.
+  void set_fact_sink(TheoryFactSink* sink) { d_fact_sink = sink; }
 
   // Puts `solver` in slot `index`, replacing what was there; the manager
   // calls it only when `enabled`. For solvers built outside (and tests).
@@ -251,7 +257,7 @@ class TheoryManager {
   int d_lemma_source = -1;
   bool d_in_lemma = false;
   hsh::HashSet<Var> d_lemma_atoms;
-  uint64_t d_dumped = 1;
+  TheoryFactSink* d_fact_sink = nullptr;
 
   // Boolean arguments: terms whose values EUF needs, the requests not yet
   // handled, and variables given to EUF after they were assigned.

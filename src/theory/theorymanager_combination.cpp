@@ -11,7 +11,7 @@
 // frames kept here already scope them by atom.
 #include <ostream>
 
-#include "api/logger.h"
+#include "base/logger.h"
 #include "theory/theorymanager.h"
 
 namespace zenlo {

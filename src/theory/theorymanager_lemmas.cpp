@@ -1,16 +1,12 @@
 // TheoryManager: lemmas, their ids and flags, the debug dump of theory
 // facts, and the Boolean arguments that EUF asks the search about.
-#include <cstdio>
-#include <fstream>
-#include <ostream>
-
-#include "api/logger.h"
+#include "base/logger.h"
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/euf/eufsolverinterface.h"
+#include "theory/theoryfactsink.h"
 #include "theory/theorymanager.h"
-#include "theory/tlemmadump.h"
 
 namespace zenlo {
 
@@ -121,7 +117,7 @@ void TheoryManager::retract_lemma(int id) {
 void TheoryManager::dump_tlemma(TheoryLit lit,
                                 const std::vector<TheoryLit>& lits,
                                 bool is_lemma) {
-  if (!d_global->dump_theory_lemmas) {
+  if (d_fact_sink == nullptr || !d_global->dump_theory_lemmas) {
     return;
   }
   auto term_of = [this](TheoryLit l) {
@@ -132,14 +128,7 @@ void TheoryManager::dump_tlemma(TheoryLit lit,
   for (TheoryLit l : lits) {
     f = d_tm->make_and(f, term_of(is_lemma ? ~l : l));
   }
-  char name[64];
-  std::snprintf(name,
-                sizeof name,
-                "tlemma_%llu.smt2",
-                static_cast<unsigned long long>(d_dumped++));
-  std::ofstream out(name);
-  write_tlemma_formula(out, *d_tm, f);
-  out << "(check-sat)\n";
+  d_fact_sink->add_fact(*d_tm, f);
 }
 
 // ---------------------------------------------------------------------------

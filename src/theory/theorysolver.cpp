@@ -1,7 +1,7 @@
 #include "theory/theorysolver.h"
 
-#include "api/logger.h"
-#include "api/terminationtest.h"
+#include "base/logger.h"
+#include "base/terminationtest.h"
 
 namespace zenlo {
 

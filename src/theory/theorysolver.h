@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "dpll/dplltypes.h"
 #include "terms/term.h"
 #include "theory/theoryeq.h"

@@ -30,7 +30,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/exception.h"
+#include "base/exception.h"
 #include "terms/hashtable.h"
 #include "terms/memorypool.h"
 #include "terms/term.h"

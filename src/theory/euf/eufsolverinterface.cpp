@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "api/logger.h"
+#include "base/logger.h"
 #include "terms/termmanager.h"
 
 namespace zenlo {

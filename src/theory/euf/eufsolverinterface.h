@@ -28,7 +28,7 @@
 #include <utility>
 #include <vector>
 
-#include "api/configuration.h"
+#include "base/configuration.h"
 #include "terms/hashtable.h"
 #include "terms/symboltag.h"
 #include "theory/euf/eufmodel.h"
