@@ -481,5 +481,4 @@ def not_available(reply):
     """Whether a get-model reply says that models are not there to ask
     for, rather than that this one failed."""
     text = show(reply) if reply is not None else ""
-    return reply is None or text == "unsupported" \
-        or "not supported yet" in text
+    return reply is None or text == "unsupported"

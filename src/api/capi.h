@@ -72,6 +72,22 @@ struct invalid_handle : public Exception {
       : Exception(std::string("invalid ") + what + " argument") {}
 };
 
+// The one check of every array argument: null passes only for an empty
+// array. The message names the argument.
+struct null_array : public Exception {
+  null_array(const char* name, size_t n)
+      : Exception(std::string("invalid array argument `") + name
+                  + "': null, with " + std::to_string(n) + " elements") {}
+};
+
+template <class T>
+inline T* array_of(T* p, size_t n, const char* name) {
+  if (p == nullptr && n > 0) {
+    throw null_array(name, n);
+  }
+  return p;
+}
+
 inline const Term_* term_of(zenlo_term t) {
   if (t.repr == nullptr) {
     throw invalid_handle("term");

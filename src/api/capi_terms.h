@@ -26,11 +26,10 @@ inline const char* string_of(const char* s) {
   return s;
 }
 
-// Requires: `ts` holds n handles (it may be null only when n is 0).
-inline TermList terms_of(const zenlo_term* ts, size_t n) {
-  if (ts == nullptr && n > 0) {
-    throw invalid_handle("term array");
-  }
+// Requires: `ts` holds n handles (it may be null only when n is 0); `name`
+// is the argument's name, for the error.
+inline TermList terms_of(const zenlo_term* ts, size_t n, const char* name) {
+  array_of(ts, n, name);
   TermList out;
   out.reserve(n);
   for (size_t i = 0; i < n; ++i) {
@@ -39,10 +38,10 @@ inline TermList terms_of(const zenlo_term* ts, size_t n) {
   return out;
 }
 
-inline std::vector<const Type*> types_of(const zenlo_type* ts, size_t n) {
-  if (ts == nullptr && n > 0) {
-    throw invalid_handle("type array");
-  }
+inline std::vector<const Type*> types_of(const zenlo_type* ts,
+                                         size_t n,
+                                         const char* name) {
+  array_of(ts, n, name);
   std::vector<const Type*> out;
   out.reserve(n);
   for (size_t i = 0; i < n; ++i) {

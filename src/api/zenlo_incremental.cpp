@@ -5,20 +5,12 @@
 #include <vector>
 
 #include "api/capi.h"
+#include "api/capi_terms.h"
 #include "env/environment.h"
 
 using namespace zenlo;
 
 namespace {
-
-TermList terms_of(const zenlo_term* ts, size_t n) {
-  TermList out;
-  out.reserve(n);
-  for (size_t i = 0; i < n; ++i) {
-    out.push_back(capi::term_of(ts[i]));
-  }
-  return out;
-}
 
 // An array of the interface allocator, with its length in `*size`.
 zenlo_term* term_array(const TermList& ts, size_t* size) {
@@ -73,7 +65,8 @@ int zenlo_solve_with_assumptions(zenlo_env e,
                                  zenlo_term* assumptions,
                                  size_t n) {
   return capi::guarded(e, -1, [&](capi::EnvRecord& r) {
-    return result_code(r.env->check_with_assumptions(terms_of(assumptions, n)));
+    return result_code(r.env->check_with_assumptions(
+        capi::terms_of(assumptions, n, "assumptions")));
   });
 }
 
@@ -134,7 +127,7 @@ char* zenlo_get_search_stats(zenlo_env e) {
 
 int zenlo_gc_env(zenlo_env e, zenlo_term* tokeep, size_t num) {
   return capi::guarded(e, -1, [&](capi::EnvRecord& r) {
-    r.env->gc(terms_of(tokeep, num), nullptr);
+    r.env->gc(capi::terms_of(tokeep, num, "tokeep"), nullptr);
     return 0;
   });
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "api/capi.h"
+#include "api/capi_terms.h"
 #include "env/environment.h"
 #include "preprocess/modelstore.h"
 
@@ -159,10 +160,7 @@ int zenlo_solve_diversify(zenlo_env e,
                           zenlo_model_found_callback callback,
                           void* user_data) {
   return capi::guarded(e, -1, [&](capi::EnvRecord& r) {
-    TermList ds;
-    for (size_t i = 0; i < n; ++i) {
-      ds.push_back(capi::term_of(diversifiers[i]));
-    }
+    TermList ds = capi::terms_of(diversifiers, n, "diversifiers");
     CModelFoundHook hook(callback, user_data);
     return static_cast<int>(r.env->diversify(hook, ds));
   });

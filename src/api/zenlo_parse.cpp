@@ -25,9 +25,7 @@ int write_file(const std::string& text, std::FILE* out) {
 }
 
 std::vector<AttributeList> named_attributes(size_t n, char** names) {
-  if (names == nullptr && n > 0) {
-    throw capi::invalid_handle("name array");
-  }
+  capi::array_of(names, n, "names");
   std::vector<AttributeList> attrs(n);
   for (size_t i = 0; i < n; ++i) {
     attrs[i].push_back({":named", quote_symbol(capi::string_of(names[i]))});
@@ -38,9 +36,8 @@ std::vector<AttributeList> named_attributes(size_t n, char** names) {
 std::vector<AttributeList> annotation_lists(size_t n,
                                             const size_t* counts,
                                             char** annots) {
-  if ((counts == nullptr || annots == nullptr) && n > 0) {
-    throw capi::invalid_handle("annotation array");
-  }
+  capi::array_of(counts, n, "counts");
+  capi::array_of(annots, n, "annots");
   std::vector<AttributeList> attrs(n);
   for (size_t i = 0, k = 0; i < n; ++i) {
     for (size_t j = 0; j < counts[i]; ++j, k += 2) {
@@ -134,13 +131,13 @@ zenlo_term zenlo_from_string(zenlo_env e, const char* data) {
 
 zenlo_term zenlo_from_smtlib1(zenlo_env e, const char*) {
   return capi::guarded(e, capi::error_term(), [&](EnvRecord&) -> zenlo_term {
-    throw Exception(kNoSmtLib1);
+    throw Unsupported(kNoSmtLib1);
   });
 }
 
 zenlo_term zenlo_from_smtlib1_file(zenlo_env e, FILE*) {
   return capi::guarded(e, capi::error_term(), [&](EnvRecord&) -> zenlo_term {
-    throw Exception(kNoSmtLib1);
+    throw Unsupported(kNoSmtLib1);
   });
 }
 
@@ -204,7 +201,7 @@ char* zenlo_named_list_to_smtlib2(zenlo_env e,
     return capi::alloc_string(
         write_smtlib2_annotated(r.tm(),
                                 printer_config(r),
-                                capi::terms_of(terms, n),
+                                capi::terms_of(terms, n, "terms"),
                                 named_attributes(n, names)));
   });
 }
@@ -214,7 +211,7 @@ int zenlo_named_list_to_smtlib2_file(
   return capi::guarded(e, -1, [&](EnvRecord& r) {
     return write_file(write_smtlib2_annotated(r.tm(),
                                               printer_config(r),
-                                              capi::terms_of(terms, n),
+                                              capi::terms_of(terms, n, "terms"),
                                               named_attributes(n, names)),
                       out);
   });
@@ -226,7 +223,7 @@ char* zenlo_annotated_list_to_smtlib2(
     return capi::alloc_string(
         write_smtlib2_annotated(r.tm(),
                                 printer_config(r),
-                                capi::terms_of(terms, n),
+                                capi::terms_of(terms, n, "terms"),
                                 annotation_lists(n, counts, annots)));
   });
 }
@@ -241,7 +238,7 @@ int zenlo_annotated_list_to_smtlib2_file(zenlo_env e,
     return write_file(
         write_smtlib2_annotated(r.tm(),
                                 printer_config(r),
-                                capi::terms_of(terms, n),
+                                capi::terms_of(terms, n, "terms"),
                                 annotation_lists(n, counts, annots)),
         out);
   });
@@ -297,13 +294,13 @@ char* zenlo_to_smtlib2_term(zenlo_env e, zenlo_term t) {
 char* zenlo_to_smtlib1(zenlo_env e, zenlo_term) {
   return capi::guarded(
       e, static_cast<char*>(nullptr), [&](EnvRecord&) -> char* {
-        throw Exception(kNoSmtLib1);
+        throw Unsupported(kNoSmtLib1);
       });
 }
 
 int zenlo_to_smtlib1_file(zenlo_env e, zenlo_term, FILE*) {
   return capi::guarded(
-      e, -1, [&](EnvRecord&) -> int { throw Exception(kNoSmtLib1); });
+      e, -1, [&](EnvRecord&) -> int { throw Unsupported(kNoSmtLib1); });
 }
 
 }  // extern "C"

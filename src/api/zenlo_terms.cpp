@@ -132,15 +132,15 @@ zenlo_term zenlo_make_constant(zenlo_env e, zenlo_decl var) {
 zenlo_term zenlo_make_uf(zenlo_env e, zenlo_decl func, zenlo_term args[]) {
   return make(e, [&](TermManager& tm) {
     const Symbol* s = capi::decl_of(func);
-    return tm.make_uninterpreted_function(s,
-                                          capi::terms_of(args, s->get_arity()));
+    return tm.make_uninterpreted_function(
+        s, capi::terms_of(args, s->get_arity(), "args"));
   });
 }
 
 zenlo_term zenlo_make_term(zenlo_env e, zenlo_decl d, zenlo_term args[]) {
   return make(e, [&](TermManager& tm) {
     const Symbol* s = capi::decl_of(d);
-    return tm.make_term(s, capi::terms_of(args, s->get_arity()));
+    return tm.make_term(s, capi::terms_of(args, s->get_arity(), "args"));
   });
 }
 
@@ -216,7 +216,8 @@ zenlo_term zenlo_existentially_quantify(zenlo_env e,
                                         zenlo_term vars[],
                                         size_t n) {
   return make(e, [&](TermManager& tm) {
-    return tm.existentially_quantify(term_of(formula), capi::terms_of(vars, n));
+    return tm.existentially_quantify(term_of(formula),
+                                     capi::terms_of(vars, n, "vars"));
   });
 }
 

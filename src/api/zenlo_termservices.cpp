@@ -59,8 +59,8 @@ zenlo_term zenlo_apply_substitution(zenlo_env e,
                                     zenlo_term* to_subst,
                                     zenlo_term* values) {
   return capi::guarded(e, capi::error_term(), [&](EnvRecord& r) {
-    TermList from = capi::terms_of(to_subst, num_to_subst);
-    TermList to = capi::terms_of(values, num_to_subst);
+    TermList from = capi::terms_of(to_subst, num_to_subst, "to_subst");
+    TermList to = capi::terms_of(values, num_to_subst, "values");
     return capi::wrap(r.env->apply_substitution(
         capi::term_of(t), from.data(), to.data(), num_to_subst));
   });

@@ -94,7 +94,8 @@ zenlo_type zenlo_get_function_type(zenlo_env e,
                                    zenlo_type return_type) {
   return capi::guarded(e, capi::error_type(), [&](EnvRecord& r) {
     return capi::wrap(r.tm().get_function_type(
-        capi::types_of(param_types, num_params), capi::type_of(return_type)));
+        capi::types_of(param_types, num_params, "param_types"),
+        capi::type_of(return_type)));
   });
 }
 
@@ -104,9 +105,7 @@ zenlo_type zenlo_get_enum_type(zenlo_env e,
                                const char** values,
                                zenlo_decl* values_out) {
   return capi::guarded(e, capi::error_type(), [&](EnvRecord& r) {
-    if (values == nullptr && num_values > 0) {
-      throw capi::invalid_handle("string array");
-    }
+    capi::array_of(values, num_values, "values");
     std::vector<std::string> names;
     for (size_t i = 0; i < num_values; ++i) {
       names.emplace_back(capi::string_of(values[i]));

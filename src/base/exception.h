@@ -26,6 +26,16 @@ class Exception : public std::exception {
   std::string d_msg;
 };
 
+// A request that Zenlo understands but does not serve: a command or a
+// service still to be built. It is no failure of the caller's input, and
+// callers tell it apart by its type, never by its text: the SMT-LIB
+// interpreter answers `unsupported`, so that the test runners can count a
+// refusal as a refusal.
+class Unsupported : public Exception {
+ public:
+  explicit Unsupported(std::string msg) : Exception(std::move(msg)) {}
+};
+
 }  // namespace zenlo
 
 // Declares `struct error` nested in a class, derived from zenlo::Exception

@@ -75,6 +75,12 @@ class Environment {
  public:
   ZENLO_DECLARE_ERROR;
 
+  // An assumption that is not a literal: the caller's mistake, not a
+  // limit of the check.
+  struct bad_assumption : public error {
+    explicit bad_assumption(std::string msg) : error(std::move(msg)) {}
+  };
+
   using Stats = std::vector<std::pair<std::string, std::string>>;
 
   // An environment with its own term store.

@@ -211,7 +211,7 @@ void Environment::check_assumptions_are_literals(
 
 void Environment::check_assumption(const Term_* a) const {
   if (!is_assumption_literal(a)) {
-    throw error("assumptions can only be literals");
+    throw bad_assumption("assumptions can only be literals");
   }
 }
 

@@ -79,6 +79,10 @@ void SmtLib2Interface::main_loop(std::istream& in) {
       recover_after_error("out of memory");
       skip_command(scanner);
       continue;
+    } catch (const Unsupported& e) {
+      recover_after_error(e.message(), true);
+      skip_command(scanner);
+      continue;
     } catch (const Exception& e) {
       recover_after_error(e.message());
       skip_command(scanner);
@@ -95,9 +99,17 @@ void SmtLib2Interface::print_response() {
 
 // A command failed: its answer is the error alone, and the names it opened
 // while reading are gone (the reader unwound them; this also drops what a
-// failure in the middle of a binding may have left).
-void SmtLib2Interface::recover_after_error(const std::string& message) {
-  d_response.set_error(message);
+// failure in the middle of a binding may have left). A refusal answers
+// `unsupported`; its text goes to the diagnostic channel.
+void SmtLib2Interface::recover_after_error(const std::string& message,
+                                           bool unsupported) {
+  if (unsupported) {
+    d_response.clear();
+    d_response.kind = SmtLib2Response::Kind::Unsupported;
+    *d_diag << "unsupported: " << message << std::endl;
+  } else {
+    d_response.set_error(message);
+  }
   print_response();
   if (d_terms != nullptr) {
     d_terms->clear_scopes();
@@ -222,7 +234,7 @@ void SmtLib2Interface::reset_session_state() {
 }
 
 void SmtLib2Interface::do_gc() {
-  throw error("garbage collection is not supported yet");
+  throw Unsupported("garbage collection is not supported yet");
 }
 
 // ---------------------------------------------------------------------------

@@ -262,7 +262,8 @@ class SmtLib2Interface : public ToplevelInterface,
  private:
   // Running commands (smtlib2interface.cpp).
   void print_response();
-  void recover_after_error(const std::string& message);
+  void recover_after_error(const std::string& message,
+                           bool unsupported = false);
   void cmd_gc();
   void cmd_print_stats();
   void reset_session_state();

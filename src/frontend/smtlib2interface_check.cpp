@@ -21,17 +21,6 @@ const char* result_text(int result) {
   return result > 0 ? "sat" : result == 0 ? "unsat" : "unknown";
 }
 
-// A request the environment refuses outright (a missing service, a
-// malformed assumption) is the script's error, not an unknown answer.
-bool is_refused_request(const Exception& e) {
-  const std::string suffix = " is not supported yet";
-  const std::string& m = e.message();
-  return m == "assumptions can only be literals"
-         || (m.size() >= suffix.size()
-             && m.compare(m.size() - suffix.size(), suffix.size(), suffix)
-                    == 0);
-}
-
 }  // namespace
 
 void SmtLib2Interface::check_sat() {
@@ -124,10 +113,11 @@ int SmtLib2Interface::solve_now(const TermList* assumptions) {
     d_reason_unknown = e.message();
   } catch (const std::bad_alloc&) {
     d_reason_unknown = "memout";
+  } catch (const Unsupported&) {
+    throw;  // a missing service is the script's error, not an answer
+  } catch (const Environment::bad_assumption&) {
+    throw;
   } catch (const Exception& e) {
-    if (is_refused_request(e)) {
-      throw;
-    }
     d_reason_unknown = e.message();
   }
   return -1;

@@ -110,25 +110,15 @@ void TheoryManager::grow_var_tables(Var v) {
     size_t n = std::max(need, d_non_theory.size() * 2);
     d_non_theory.resize(n, 1);
     d_listeners.resize(n, 0);
+    d_told.resize(n, 0);
+    d_implied_by.resize(n, -1);
   }
 }
 
-// Boolean structure is the search's own business; so are constants, which
-// no theory reasons about unless they are arguments of functions.
+// Boolean structure and Boolean constants are the search's own business.
 bool TheoryManager::is_non_theory(const Term_* term) const {
-  if (term == nullptr || term->get_arity() == 0
-      || !d_tm->is_bool_type(term->get_type())) {
-    return true;
-  }
-  switch (d_tm->get_tag(term->get_symbol())) {
-    case SymbolTag::TRUE:
-    case SymbolTag::FALSE:
-    case SymbolTag::NOT:
-    case SymbolTag::AND:
-    case SymbolTag::OR:
-    case SymbolTag::IFF: return true;
-    default: return false;
-  }
+  return term == nullptr || !d_tm->is_bool_type(term->get_type())
+         || theory_of(*d_tm, term) == TheoryId::Search;
 }
 
 TheoryManager::Var TheoryManager::var_of(const Term_* term) const {
@@ -149,9 +139,17 @@ void TheoryManager::tell_atom(const Term_* term, Var v) {
   bool none = is_non_theory(term) && !d_bool_args.contains(term);
   d_non_theory[v] = none;
   d_listeners[v] = 0;
+  d_told[v] = 0;
+  bool owned = false;
   if (!none) {
     for (int i = 0; i < kNumSolvers; ++i) {
-      if (enabled(i) && d_solvers[i]->tell_atom(term).second) {
+      if (!enabled(i)) {
+        continue;
+      }
+      auto [owns, wants] = d_solvers[i]->tell_atom(term);
+      d_told[v] |= static_cast<uint8_t>(1u << i);
+      owned |= owns;
+      if (wants) {
         d_listeners[v] |= static_cast<uint8_t>(1u << i);
       }
     }
@@ -161,17 +159,20 @@ void TheoryManager::tell_atom(const Term_* term, Var v) {
     }
   }
   handle_euf_requests();
+  if (!none && !owned) {
+    // Heard but owned by none: deciding it as if uninterpreted could
+    // answer sat wrongly, so it is refused.
+    check_supported(term);
+  }
 }
 
 bool TheoryManager::retract_atom(const Term_* term, Var v) {
   bool took_back = false;
   if (static_cast<size_t>(v) < d_non_theory.size() && !d_non_theory[v]) {
-    if (enabled(0)) {
-      d_solvers[0]->retract_atom(term);
-      took_back |= d_solvers[0]->took_back_facts();
-    }
-    for (int i = 1; i < kNumSolvers; ++i) {
-      if (enabled(i) && (d_listeners[v] >> i) & 1) {
+    // Exactly the solvers that heard the atom, wanted or not: each keeps
+    // its atoms as a stack.
+    for (int i = 0; i < kNumSolvers; ++i) {
+      if ((d_told[v] >> i) & 1) {
         d_solvers[i]->retract_atom(term);
         took_back |= d_solvers[i]->took_back_facts();
       }
@@ -181,6 +182,8 @@ bool TheoryManager::retract_atom(const Term_* term, Var v) {
   if (static_cast<size_t>(v) < d_non_theory.size()) {
     d_non_theory.resize(v);
     d_listeners.resize(v);
+    d_told.resize(v);
+    d_implied_by.resize(v);
   }
   if (term != nullptr && var_of(term) == v) {
     d_var_of_term[term->get_id()] = var_Undef;
@@ -385,7 +388,8 @@ TheoryManager::Lit TheoryManager::get_next_implied() {
       continue;
     }
     ++d_counters[d_cursor].implications;
-    d_implied_by[tl] = d_cursor;
+    grow_var_tables(v);
+    d_implied_by[v] = static_cast<int8_t>(d_cursor);
     return p;
   }
   return lit_Undef;
@@ -395,16 +399,17 @@ bool TheoryManager::get_explanation(Lit lit,
                                     bool force,
                                     std::vector<Lit>& lits) {
   TheoryLit tl = theory_lit(lit);
-  const int* i = d_implied_by.get(tl);
-  if (i == nullptr) {
+  size_t v = static_cast<size_t>(var(lit));
+  int i = v < d_implied_by.size() ? d_implied_by[v] : -1;
+  if (i < 0) {
     throw error("explanation asked for a literal no theory implied: "
                 + tl.atom()->to_str());
   }
   d_tlits.clear();
-  if (!d_solvers[*i]->get_explanation(tl, force, d_tlits)) {
+  if (!d_solvers[i]->get_explanation(tl, force, d_tlits)) {
     return false;
   }
-  ++d_counters[*i].explanations;
+  ++d_counters[i].explanations;
   to_search_lits(d_tlits, lits);
   dump_tlemma(tl, d_tlits, false);
   return true;

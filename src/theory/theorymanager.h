@@ -29,6 +29,7 @@
 #include "terms/hashtable.h"
 #include "terms/term.h"
 #include "theory/theorylit.h"
+#include "theory/theoryowner.h"
 #include "theory/theorysolver.h"
 
 namespace zenlo {
@@ -49,7 +50,8 @@ class TheoryManager {
   using Lit = dpll::Lit;
 
   // The slots, in the order of every loop.
-  enum class SolverIndex : int { Euf = 0, La, Bv, Fp, Arr, Na };
+  // Slots are the theories' ids, in the order of every loop.
+  using SolverIndex = TheoryId;
   static constexpr int kNumSolvers = 6;
 
   // Per-solver counters, in the order of the statistics.
@@ -246,9 +248,12 @@ class TheoryManager {
   // Per search variable.
   std::vector<uint8_t> d_non_theory;
   std::vector<uint8_t> d_listeners;  // bit i: solver i takes the atom
+  std::vector<uint8_t> d_told;       // bit i: solver i heard the atom
 
   int d_conflict_solver = -1;
-  hsh::HashMap<TheoryLit, int> d_implied_by;
+  // Per search variable: the solver whose implication assigned it last;
+  // an entry is rewritten before it is read again, so none is cleared.
+  std::vector<int8_t> d_implied_by;
   int d_cursor = 0;
 
   hsh::HashMap<int, LemmaInfo> d_lemmas;

@@ -135,52 +135,13 @@ void TheoryManager::dump_tlemma(TheoryLit lit,
 // Terms that EUF meets: of other theories, and Boolean arguments
 // ---------------------------------------------------------------------------
 
-// The slot of the solver that decides terms with this symbol tag, or -1.
-static int solver_for_tag(SymbolTag::tag tag) {
-  using Index = TheoryManager::SolverIndex;
-  if (tag >= SymbolTag::BV_CONCAT && tag <= SymbolTag::BV_SEXT) {
-    return static_cast<int>(Index::Bv);
-  }
-  if (tag >= SymbolTag::FP_EQ && tag <= SymbolTag::FP_FROM_IEEEBV) {
-    return static_cast<int>(Index::Fp);
-  }
-  switch (tag) {
-    case SymbolTag::PLUS:
-    case SymbolTag::TIMES:
-    case SymbolTag::DIVIDE:
-    case SymbolTag::FLOOR:
-    case SymbolTag::LEQ:
-    case SymbolTag::INT_MOD_CONGR: return static_cast<int>(Index::La);
-    case SymbolTag::INT_FROM_UBV:
-    case SymbolTag::INT_FROM_SBV:
-    case SymbolTag::INT_TO_BV: return static_cast<int>(Index::Bv);
-    case SymbolTag::ARRAY_READ:
-    case SymbolTag::ARRAY_WRITE:
-    case SymbolTag::ARRAY_CONST: return static_cast<int>(Index::Arr);
-    case SymbolTag::PI:
-    case SymbolTag::EXP:
-    case SymbolTag::SIN:
-    case SymbolTag::LOG:
-    case SymbolTag::POW:
-    case SymbolTag::ASIN: return static_cast<int>(Index::Na);
-    default: return -1;
-  }
-}
-
 // Congruence closure treats every symbol as uninterpreted, which is sound
 // but answers sat for what only another theory refutes. Rather than a
 // wrong answer, a term whose theory has no enabled solver is refused.
 void TheoryManager::check_supported(const Term_* t) {
-  int need = -1;
-  SymbolTag::tag tag = d_tm->get_tag(t->get_symbol());
-  if (tag != SymbolTag::UNKNOWN && tag != SymbolTag::EQ
-      && tag != SymbolTag::ITE) {
-    need = solver_for_tag(tag);
-  } else if (d_tm->is_bv_type(t->get_type())) {
-    need = static_cast<int>(SolverIndex::Bv);
-  } else if (d_tm->is_fp_type(t->get_type())
-             || d_tm->is_fprounding_type(t->get_type())) {
-    need = static_cast<int>(SolverIndex::Fp);
+  int need = static_cast<int>(theory_of(*d_tm, t));
+  if (need == static_cast<int>(TheoryId::Search)) {
+    return;
   }
   if (need < 0 || !enabled(need)) {
     d_refused = t;
@@ -249,6 +210,7 @@ void TheoryManager::give_to_euf(Var v, const Term_* t) {
   if (d_non_theory[v]) {
     d_non_theory[v] = 0;
     d_solvers[0]->tell_atom(t);
+    d_told[v] |= 1;
   }
   d_listeners[v] |= 1;
   lbool value = d_dpll->value(v);

@@ -370,7 +370,7 @@ static void test_errors(zenlo_config cfg) {
       zenlo_term_get_decl(zenlo_make_and(
           env, p, zenlo_make_leq(env, x, zenlo_make_number(env, "3")))),
       NULL)));
-  CHECK_MSG(env, "invalid term array argument");
+  CHECK_MSG(env, "invalid array argument `args': null, with 2 elements");
   CHECK(ZENLO_ERROR_TERM(zenlo_make_bv_plus(env, u, x)));
   CHECK_MSG(env, "type error. term x is not a bit vector");
   CHECK(ZENLO_ERROR_TERM(zenlo_make_bv_extract(env, 9, 0, u)));

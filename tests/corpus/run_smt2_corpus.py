@@ -39,9 +39,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 # could not be answered and settings refused.
 HARMLESS = (
     "model not available",
-    "model generation is not supported yet",
     "no reason to give",
-    "get-unsat-assumptions is not supported yet",
     "too late for setting",
     "invalid value for :timeout option",
     "unsupported command: .internal-parse-terms",

@@ -60,6 +60,9 @@ struct EqNode {
   // At a root: the disequality cell that separates it from the class being
   // merged, valid while `diseq_stamp` is current.
   uint32_t diseq_stamp;
+  // While `implied`: where the deduction's reason stands on the solver's
+  // stack of reasons (fills what would be padding).
+  uint32_t reason_index;
   DiseqCell* diseq_cell;
 
   EqNode* root;

@@ -49,7 +49,7 @@ void Solver::reset() {
   d_retell.clear();
   d_implied.clear();
   d_implied_head = 0;
-  d_reasons.clear();
+  d_implied_reasons.clear();
   d_new_terms.clear();
   d_consistent = true;
   d_next_id = 1;
@@ -358,7 +358,8 @@ bool Solver::get_next_implied(TheoryLit& lit) {
       continue;
     }
     n->implied = true;
-    d_reasons.insert(imp.lit.atom(), imp.reason);
+    n->reason_index = static_cast<uint32_t>(d_implied_reasons.size());
+    d_implied_reasons.push_back(imp.reason);
     push_undo(UndoKind::Implied, n);
     lit = imp.lit;
     return true;
@@ -369,12 +370,12 @@ bool Solver::get_next_implied(TheoryLit& lit) {
 }
 
 void Solver::get_implied_reason(TheoryLit lit, std::vector<TheoryLit>& out) {
-  const Reason* r = d_reasons.get(lit.atom());
-  if (r == nullptr) {
+  const EqNode* n = node_or_null(lit.atom());
+  if (n == nullptr || !n->implied) {
     throw error("no deduction of " + lit.atom()->to_str() + " to explain");
   }
   begin_explanation();
-  explain_reason(*r);
+  explain_reason(d_implied_reasons[n->reason_index]);
   end_explanation(out);
 }
 

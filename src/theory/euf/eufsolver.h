@@ -415,7 +415,9 @@ class Solver {
   // Deductions: the queue and where the taken ones rest.
   std::vector<Implied> d_implied;
   size_t d_implied_head = 0;
-  hsh::HashMap<const Term_*, Reason> d_reasons;
+  // Reasons of the deductions the search took, in the order taken: undo
+  // pops them in reverse, and each implied node knows its entry.
+  std::vector<Reason> d_implied_reasons;
   // The atom node being asserted, whose own value is not news.
   const EqNode* d_asserting = nullptr;
 

@@ -104,7 +104,7 @@ void Solver::undo(const UndoCell& c) {
     case UndoKind::Implied: {
       auto* n = static_cast<EqNode*>(c.a);
       n->implied = false;
-      d_reasons.erase(n->term);
+      d_implied_reasons.pop_back();
       break;
     }
   }

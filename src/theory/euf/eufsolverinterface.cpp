@@ -6,6 +6,7 @@
 
 #include "base/logger.h"
 #include "terms/termmanager.h"
+#include "theory/theoryowner.h"
 
 namespace zenlo {
 
@@ -29,20 +30,7 @@ EufSolverInterface::~EufSolverInterface() {
 // ---------------------------------------------------------------------------
 
 bool EufSolverInterface::owns_atom(const Term_* atom) const {
-  const Symbol* s = atom->get_symbol();
-  if (!d_tm->is_interpreted(s)) {
-    return true;
-  }
-  if (d_tm->get_tag(s) != SymbolTag::EQ) {
-    return false;
-  }
-  for (const Term_* side : *atom) {
-    const Symbol* ss = side->get_symbol();
-    if (d_tm->is_uninterpreted_function(ss) || d_tm->is_constant(ss)) {
-      return true;
-    }
-  }
-  return false;
+  return theory_of(*d_tm, atom) == TheoryId::Euf;
 }
 
 std::pair<bool, bool> EufSolverInterface::tell_atom(const Term_* atom) {
@@ -79,34 +67,8 @@ bool EufSolverInterface::took_back_facts() {
   return took;
 }
 
-// Arrays count too: over finite indices and elements there are finitely
-// many of them, and distinct array symbols alone can be contradictory.
-static bool has_finitely_many_values(const TermManager& tm, const Type* type) {
-  const Type* index = nullptr;
-  const Type* element = nullptr;
-  if (tm.is_array_type(type, &index, &element)) {
-    return has_finitely_many_values(tm, index)
-           && has_finitely_many_values(tm, element);
-  }
-  return tm.is_finite_domain_type(type);
-}
-
 bool EufSolverInterface::is_own_term(const Term_* t) const {
-  switch (d_tm->get_tag(t->get_symbol())) {
-    case SymbolTag::UNKNOWN:
-    case SymbolTag::TRUE:
-    case SymbolTag::FALSE:
-    case SymbolTag::NOT:
-    case SymbolTag::AND:
-    case SymbolTag::OR:
-    case SymbolTag::IFF:
-    case SymbolTag::EQ:
-    case SymbolTag::ITE: break;
-    default: return false;
-  }
-  // Finitely many values need counting, which congruence does not do.
-  const Type* type = t->get_type();
-  return d_tm->is_bool_type(type) || !has_finitely_many_values(*d_tm, type);
+  return is_euf_term(*d_tm, t);
 }
 
 void EufSolverInterface::take_requests(std::vector<const Term_*>& bool_args,
@@ -353,31 +315,8 @@ lbool EufSolverInterface::equal_in_model(const Term_* a, const Term_* b) {
 // Theory combination
 // ---------------------------------------------------------------------------
 
-bool EufSolverInterface::is_alien(const Term_* term, bool nonlinear_ok) {
-  const Symbol* s = term->get_symbol();
-  SymbolTag::tag tag = d_tm->get_tag(s);
-  if (tag == SymbolTag::EQ) {
-    return is_alien(term->get_child(0), nonlinear_ok)
-           || is_alien(term->get_child(1), nonlinear_ok);
-  }
-  if (tag == SymbolTag::ITE) {
-    return d_tm->is_finite_domain_type(term->get_type());
-  }
-  if (nonlinear_ok
-      && (tag == SymbolTag::DIVIDE || tag == SymbolTag::EXP
-          || tag == SymbolTag::SIN || tag == SymbolTag::LOG)) {
-    return false;
-  }
-  if (d_tm->is_enum_type(term->get_type())) {
-    return false;
-  }
-  if (d_tm->is_interpreted(s)) {
-    return true;
-  }
-  if (s->get_arity() > 0) {
-    return false;
-  }
-  return d_tm->is_finite_domain_type(term->get_type());
+bool EufSolverInterface::is_alien(const Term_* term) {
+  return !is_euf_term(*d_tm, term);
 }
 
 // ---------------------------------------------------------------------------

@@ -74,19 +74,14 @@ class EufSolverInterface : public TheorySolver {
 
   lbool equal_in_model(const Term_* a, const Term_* b) override;
 
-  bool is_alien(const Term_* term) override { return is_alien(term, true); }
+  bool is_alien(const Term_* term) override;
 
   Stats get_stats() const override;
 
   // ---- EUF's own operations ------------------------------------------------
 
-  // Returns: true for an atom over an uninterpreted symbol, or an equality
-  //   with an uninterpreted side.
+  // Returns: whether EUF is the atom's theory (see theory_of).
   bool owns_atom(const Term_* atom) const;
-
-  // `nonlinear_ok` counts division and the transcendental functions as
-  // uninterpreted.
-  bool is_alien(const Term_* term, bool nonlinear_ok);
 
   euf::Solver& get_solver() { return d_solver; }
 

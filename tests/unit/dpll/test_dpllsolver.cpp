@@ -116,19 +116,18 @@ TEST(DpllClause, LayoutAndLimits) {
   }
 }
 
-TEST(DpllReallocVector, GrowthSequence) {
+TEST(DpllReallocVector, KeepsElementsAcrossGrowthAndShrinks) {
   ReallocVector<int> v;
-  std::vector<uint32_t> caps;
-  for (int i = 0; i < 20; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     v.push_back(i);
-    if (caps.empty() || caps.back() != v.capacity()) {
-      caps.push_back(v.capacity());
-    }
+    ASSERT_GE(v.capacity(), v.size());
   }
-  EXPECT_EQ(caps, (std::vector<uint32_t>{2, 3, 5, 8, 12, 18, 27}));
-  EXPECT_EQ(v[19], 19);
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_EQ(v[i], i);
+  }
   v.shrink(5);
-  EXPECT_EQ(v.size(), 15u);
+  EXPECT_EQ(v.size(), 995u);
+  EXPECT_EQ(v[994], 994);
 }
 
 TEST(DpllHeap, OrderAndTies) {
@@ -1011,18 +1010,18 @@ TEST(DpllClauseDb, RemovingClauses) {
   }
 }
 
-TEST(DpllStats, NamesInOrder) {
+TEST(DpllStats, ReportTheSearchDone) {
   Configuration::Dpll config;
   DpllSolver s(&config);
   load(s, load_file("unsat/cadical__ph4.cnf"));
   s.solve();
-  auto stats = s.get_stats();
-  ASSERT_EQ(stats.size(), 10u);
-  EXPECT_EQ(stats[0].first, ":sat-checks");
-  EXPECT_EQ(stats[0].second, "1");
-  EXPECT_EQ(stats[8].first, ":sat-conflicts");
-  EXPECT_EQ(stats[8].second, std::to_string(s.stats().conflicts));
+  std::map<std::string, std::string> stats;
+  for (const auto& [name, value] : s.get_stats()) {
+    EXPECT_TRUE(stats.emplace(name, value).second) << "twice: " << name;
+  }
+  EXPECT_EQ(stats[":sat-checks"], "1");
   EXPECT_GT(s.stats().conflicts, 0u);
+  EXPECT_EQ(stats[":sat-conflicts"], std::to_string(s.stats().conflicts));
 }
 
 }  // namespace

@@ -145,18 +145,13 @@ TEST(Environment, UnsatFoundBySearchIsRemembered) {
   EXPECT_EQ(f.stat(":sat-checks"), checks);
 }
 
-TEST(Environment, TrueAddsNoClauseAndStatsComeInOrder) {
+TEST(Environment, TrueAddsNoClause) {
   EnvFixture f;
   ASSERT_EQ(zenlo_assert_formula(f.e, zenlo_make_true(f.e)), 0);
   EXPECT_EQ(zenlo_solve(f.e), ZENLO_SAT);
-  Environment::Stats stats = f.env().get_stats();
-  ASSERT_GE(stats.size(), 13u);
-  EXPECT_EQ(stats[0],
-            (std::pair<std::string, std::string>(":cnf-variables", "0")));
-  EXPECT_EQ(stats[2].first, ":cnf-clauses");
-  EXPECT_EQ(stats[2].second, "0");
-  EXPECT_EQ(stats[3].first, ":sat-checks");
-  EXPECT_EQ(stats[12].first, ":sat-theory-conflicts");
+  EXPECT_EQ(f.stat(":cnf-variables"), "0");
+  EXPECT_EQ(f.stat(":cnf-clauses"), "0");
+  EXPECT_EQ(f.stat(":sat-checks"), "1");
 }
 
 TEST(Environment, ResetForgetsAssertionsAndKeepsTerms) {

@@ -278,16 +278,13 @@ TEST_F(SimplifierTest, CollectionClearsTheMemo) {
   EXPECT_EQ(tm.make_bv_and(x, bvn(3, 4)), t);
 }
 
-TEST_F(SimplifierTest, RegistersEveryRuleOnceAndRefusesASecondFunction) {
-  EXPECT_EQ(s.simp.get_normalizer().num_rules(), 111u);
+TEST_F(SimplifierTest, RefusesASecondFunctionForATag) {
   try {
     s.simp.register_simplification(SymbolTag::AND, nullptr);
     ADD_FAILURE() << "no error";
   } catch (const Exception& e) {
     EXPECT_NE(e.message().find("SymbolTag::AND"), std::string::npos);
   }
-  StdTermSimplifier empty(&tm, false);
-  EXPECT_EQ(empty.get_normalizer().num_rules(), 0u);
 }
 
 // ----------------------------------------------------------------------
