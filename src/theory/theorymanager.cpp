@@ -435,15 +435,38 @@ void TheoryManager::build_model() {
   }
 }
 
+// EUF's class comes first: its value stands for every member, and the
+// other theories are asked about the value and then the members, so that a
+// term shared between theories gets one value wherever it is asked.
 const Term_* TheoryManager::get_model_value(const Term_* term) {
-  const Term_* value =
-      enabled(0) ? d_solvers[0]->get_model_value(term) : nullptr;
-  if (value == nullptr) {
-    for (int i = 1; i < kNumSolvers; ++i) {
-      if (enabled(i)) {
-        if (const Term_* v = d_solvers[i]->get_model_value(term)) {
-          value = v;
-        }
+  if (!enabled(0) || d_euf == nullptr || d_config->interface_eq_policy == 3) {
+    return do_get_model_value(term);
+  }
+  const Term_* r = d_euf->get_model_value(term);
+  if (r == nullptr) {
+    return do_get_model_value(term);
+  }
+  if (const Term_* v = do_get_model_value(r)) {
+    return v;
+  }
+  if (const TermList* members = d_euf->get_model_congruence_class(r)) {
+    for (const Term_* m : *members) {
+      if (const Term_* v = do_get_model_value(m)) {
+        return v;
+      }
+    }
+  }
+  return r;
+}
+
+// The solvers besides EUF, by index; the last that knows the term wins.
+// Null when none does.
+const Term_* TheoryManager::do_get_model_value(const Term_* term) {
+  const Term_* value = nullptr;
+  for (int i = 1; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      if (const Term_* v = d_solvers[i]->get_model_value(term)) {
+        value = v;
       }
     }
   }

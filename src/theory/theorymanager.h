@@ -164,8 +164,9 @@ class TheoryManager {
 
   void build_model();
 
-  // Returns: the value of `term` in the theories' model; null when no
-  //   solver knows it.
+  // Returns: the value of `term` in the theories' model: EUF's class
+  //   first, then what the other solvers say of its value or members;
+  //   null when no solver knows it.
   const Term_* get_model_value(const Term_* term);
 
   // ---- For the environment -------------------------------------------------
@@ -211,6 +212,7 @@ class TheoryManager {
   // ---- Lemmas (theorymanager_lemmas.cpp) -----------------------------------
   int new_lemma_id();
   Lit lemma_lit(TheoryLit l, const TheoryLemma& lemma, Var dependency);
+  const Term_* do_get_model_value(const Term_* term);
   void dump_tlemma(TheoryLit lit,
                    const std::vector<TheoryLit>& lits,
                    bool is_lemma);
