@@ -14,10 +14,16 @@ What the peers really do (Debian's builds, checked by hand):
                       10 / 20 / 0; "PARSE ERROR!" and exit 3 on bad input.
   cadical -q -n       s SATISFIABLE / s UNSATISFIABLE / s UNKNOWN, exit
                       10 / 20 / 0; errors on stderr, exit 1.
+  yices FILE          (../shared/peers/yices, a wrapper of yices_smt2 that
+                      adds --incremental for scripts with several checks)
+                      rejects check-sat-assuming, define-sort and some
+                      logics; stops at its first error.
+  opensmt FILE        (../shared/peers/opensmt) stops at its first error.
   boolector --smt2    one query only, no push/pop, set-option or
                       declare-const; a result contradicting :status is
                       printed as "[btormain] ERROR: 'unsat' but status ...".
 """
+import os
 import re
 from dataclasses import dataclass, field
 from typing import Callable, List, Optional
@@ -166,6 +172,12 @@ def _simple(*flags):
     return lambda binary, bench, options: [binary, *flags, bench.path]
 
 
+# The peers built from source live beside the project's root.
+PEERS_DIR = os.path.normpath(os.path.join(
+    os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "shared",
+    "peers"))
+
+
 def make_solvers(zenlo_path, paths):
     """All known solvers, zenlo first, peers with binaries from `paths`
     (name -> path) or their usual names on PATH."""
@@ -182,6 +194,11 @@ def make_solvers(zenlo_path, paths):
                parse_minisat),
         Solver("cadical", b("cadical"), is_cnf, _simple("-q", "-n"),
                parse_dimacs_output),
+        Solver("yices", paths.get("yices", os.path.join(PEERS_DIR, "yices")),
+               is_smt2, _simple(), parse_smtlib),
+        Solver("opensmt", paths.get("opensmt",
+                                    os.path.join(PEERS_DIR, "opensmt")),
+               is_smt2, _simple(), parse_smtlib),
     ]
 
 

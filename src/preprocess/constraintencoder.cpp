@@ -3,6 +3,8 @@
 #include <string>
 
 #include "base/terminationtest.h"
+#include "preprocess/arithencoders.h"
+#include "preprocess/bvfpencoders.h"
 #include "terms/termmanager.h"
 #include "terms/termvisitor.h"
 
@@ -29,8 +31,14 @@ class ConstraintEncoder::Walker : public TermVisitorCallback {
       return VisitResult::Skip;
     }
     const Term_* replacement = nullptr;
+    size_t first = d_side.size();
     if (!(*e)(*d_enc.d_tm, t, replacement, d_side, d_enc.d_added)) {
       return VisitResult::Process;
+    }
+    if (e->defines_by_original()) {
+      for (size_t i = first; i < d_side.size(); ++i) {
+        d_guarded.emplace_back(i, t);
+      }
     }
     d_enc.d_encoded.insert(t, replacement);
     d_subst.insert(t, replacement);
@@ -42,10 +50,15 @@ class ConstraintEncoder::Walker : public TermVisitorCallback {
 
   TermMap& substitution() { return d_subst; }
 
+  // (index in the side constraints, the term it defines) of the
+  // constraints that must keep their own term.
+  std::vector<std::pair<size_t, const Term_*>>& guarded() { return d_guarded; }
+
  private:
   ConstraintEncoder& d_enc;
   TermList& d_side;
   TermMap d_subst;
+  std::vector<std::pair<size_t, const Term_*>> d_guarded;
 };
 
 ConstraintEncoder::ConstraintEncoder(TermManager* tm,
@@ -55,6 +68,37 @@ ConstraintEncoder::ConstraintEncoder(TermManager* tm,
   // Term-ITE simplification and ITE minimisation refine this encoder; the
   // plain encoding is always correct without them.
   register_encoder(std::make_unique<TermIteEncoder>());
+  register_encoder(std::make_unique<IntModCongrEncoder>());
+  register_encoder(std::make_unique<FloorEncoder>());
+  if (options.times_zero_line) {
+    std::vector<std::unique_ptr<enc_fun>> chain;
+    chain.push_back(std::make_unique<TimesIteEncoder>());
+    chain.push_back(std::make_unique<TimesZeroLineEncoder>());
+    register_encoder(
+        std::make_unique<chain_enc>(SymbolTag::TIMES, std::move(chain)));
+  } else {
+    register_encoder(std::make_unique<TimesIteEncoder>());
+  }
+  register_encoder(std::make_unique<DivideEncoder>(options.na_div_by_zero_uf));
+  register_encoder(std::make_unique<IntToBvEncoder>());
+  register_encoder(std::make_unique<IntFromBvEncoder>(SymbolTag::INT_FROM_UBV));
+  register_encoder(std::make_unique<IntFromBvEncoder>(SymbolTag::INT_FROM_SBV));
+  register_encoder(std::make_unique<LogEncoder>());
+  register_encoder(std::make_unique<PowEncoder>());
+  register_encoder(std::make_unique<ASinEncoder>());
+  if (options.bv_div_by_zero_uf) {
+    for (SymbolTag::tag tag : {SymbolTag::BV_UDIV,
+                               SymbolTag::BV_SDIV,
+                               SymbolTag::BV_UREM,
+                               SymbolTag::BV_SREM}) {
+      register_encoder(std::make_unique<BvDivEncoder>(tag));
+    }
+  }
+  if (options.fp_minmax_zero_uf) {
+    for (SymbolTag::tag tag : {SymbolTag::FP_MIN, SymbolTag::FP_MAX}) {
+      register_encoder(std::make_unique<FpMinMaxEncoder>(tag));
+    }
+  }
 }
 
 ConstraintEncoder::~ConstraintEncoder() = default;
@@ -80,6 +124,7 @@ const Term_* ConstraintEncoder::encode(const Term_* t,
                                        TermList& side_constraints) {
   size_t first_side = side_constraints.size();
   TermMap subst;
+  std::vector<std::pair<size_t, const Term_*>> guarded;
   {
     Walker cb(*this, side_constraints);
     TermVisitor<Walker> walk(*d_tm, cb);
@@ -90,6 +135,7 @@ const Term_* ConstraintEncoder::encode(const Term_* t,
       walk.visit(side_constraints[i], false);
     }
     subst = std::move(cb.substitution());
+    guarded = std::move(cb.guarded());
   }
   if (subst.empty()) {
     return t;
@@ -98,6 +144,15 @@ const Term_* ConstraintEncoder::encode(const Term_* t,
   roots.push_back(t);
   TermList images;
   d_tm->substitute(roots, subst, images, false);
+  // A guarded definition says what its term is where the guard holds: the
+  // term must stay there (its children are substituted all the same).
+  for (const auto& [i, own] : guarded) {
+    const Term_* image = subst.get(own) != nullptr ? *subst.get(own) : own;
+    subst.erase(own);
+    images[i - first_side] =
+        d_tm->substitute(side_constraints[i], subst, false);
+    subst.insert(own, image);
+  }
   const Term_* result = images.back();
   images.pop_back();
   side_constraints.resize(first_side);
@@ -117,6 +172,34 @@ const Term_* ConstraintEncoder::operator()(const Term_* f) {
 // ---------------------------------------------------------------------------
 // Encoders
 // ---------------------------------------------------------------------------
+
+const Term_* ConstraintEncoder::enc_fun::fresh(TermManager& tm,
+                                               const std::string& name,
+                                               const Type* type,
+                                               TermList& added) {
+  const Term_* c = tm.make_constant(tm.make_unique_symbol(name, type));
+  added.push_back(c);
+  return c;
+}
+
+bool ConstraintEncoder::chain_enc::operator()(TermManager& tm,
+                                              const Term_* t,
+                                              const Term_*& replacement,
+                                              TermList& side,
+                                              TermList& added) {
+  for (auto& f : d_fs) {
+    if ((*f)(tm, t, replacement, side, added)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void ConstraintEncoder::chain_enc::set_termination_test(TerminationTest* test) {
+  for (auto& f : d_fs) {
+    f->set_termination_test(test);
+  }
+}
 
 bool TermIteEncoder::operator()(TermManager& tm,
                                 const Term_* t,

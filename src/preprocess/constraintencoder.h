@@ -16,6 +16,8 @@
 
 #include <array>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "base/exception.h"
@@ -26,6 +28,7 @@ namespace zenlo {
 
 class RewriteStack;
 class TermManager;
+class Type;
 class TerminationTest;
 
 class ConstraintEncoder {
@@ -42,6 +45,8 @@ class ConstraintEncoder {
     bool fp_minmax_zero_uf = false;     // theory.fp.minmax_zero_mode 4
     bool fp_to_bv_overflow_uf = false;  // theory.fp.to_bv_overflow_mode 1
     bool na_div_by_zero_uf = false;     // theory.na.div_by_zero_mode 1
+    // Sign lemmas of nonlinear products, before the case splits.
+    bool times_zero_line = false;
   };
 
   // One encoder, for the terms of one tag.
@@ -61,6 +66,40 @@ class ConstraintEncoder {
                             TermList& added) = 0;
 
     virtual void set_termination_test(TerminationTest* /*test*/) {}
+
+    // Whether the side constraints use the encoded term itself, under a
+    // guard (a division defined where its divisor is not 0): those must
+    // keep it rather than see it replaced by its own constant.
+    virtual bool defines_by_original() const { return false; }
+
+   protected:
+    // A constant named `name` (or the first free name after it) of type
+    // `type`, appended to `added`.
+    static const Term_* fresh(TermManager& tm,
+                              const std::string& name,
+                              const Type* type,
+                              TermList& added);
+  };
+
+  // Tries encoders in turn until one encodes the term.
+  class chain_enc : public enc_fun {
+   public:
+    chain_enc(SymbolTag::tag tag, std::vector<std::unique_ptr<enc_fun>> fs)
+        : d_tag(tag), d_fs(std::move(fs)) {}
+
+    SymbolTag::tag get_tag() const override { return d_tag; }
+
+    bool operator()(TermManager& tm,
+                    const Term_* t,
+                    const Term_*& replacement,
+                    TermList& side,
+                    TermList& added) override;
+
+    void set_termination_test(TerminationTest* test) override;
+
+   private:
+    SymbolTag::tag d_tag;
+    std::vector<std::unique_ptr<enc_fun>> d_fs;
   };
 
   // - Requires: `tm` outlives the encoder; `rewrite_stack` may be null.
