@@ -10,6 +10,7 @@
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
+#include "theory/bv/bvsolverinterface.h"
 #include "theory/euf/eufsolverinterface.h"
 
 namespace zenlo {
@@ -38,6 +39,9 @@ TheoryManager::TheoryManager(const Configuration* config,
     euf->add_dyn_ack_tag(SymbolTag::ARRAY_WRITE);
   }
   install_solver(SolverIndex::Euf, std::move(euf), d_config->euf.enabled);
+  install_solver(SolverIndex::Bv,
+                 bv::make_bv_solver(config, tm, dpll),
+                 d_config->bv.enabled);
 }
 
 TheoryManager::~TheoryManager() = default;

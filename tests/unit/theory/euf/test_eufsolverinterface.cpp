@@ -153,9 +153,13 @@ bool brute_force_sat(TermManager& tm,
 // ---------------------------------------------------------------------------
 
 struct Road {
-  explicit Road(TermManager& tm, int dyn_ack = 0, bool low_priority = false)
+  explicit Road(TermManager& tm,
+                int dyn_ack = 0,
+                bool low_priority = false,
+                bool bv = true)
       : tm(tm) {
     config.model_generation = true;
+    config.theory.bv.enabled = bv;
     config.theory.euf.dyn_ack = dyn_ack;
     config.theory.euf.dyn_ack_threshold = 1;
     config.theory.euf.low_priority = low_priority;
@@ -520,9 +524,14 @@ TEST(EufForeign, TermsOfMissingTheoriesAreRefused) {
 
   TermManager tm2;
   const Term_* y = tm2.make_constant(tm2.make_symbol("y", tm2.get_bv_type(1)));
-  Road road2(tm2);
+  Road road2(tm2, 0, false, /*bv=*/false);
   EXPECT_THROW(road2.add({{tm2.make_equal(y, tm2.make_bv_number(0, 1)), true}}),
                TheoryManager::error);
+  // With the bit-vector solver the same atoms are decided.
+  Road road2bv(tm2);
+  road2bv.add({{tm2.make_equal(y, tm2.make_bv_number(0, 1)), true}});
+  road2bv.add({{tm2.make_equal(y, tm2.make_bv_number(1, 1)), true}});
+  EXPECT_FALSE(road2bv.engine->solve());
 
   // Numbers of infinite types are values EUF knows.
   TermManager tm3;

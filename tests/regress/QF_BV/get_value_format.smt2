@@ -1,0 +1,8 @@
+(set-option :produce-models true)
+(set-logic QF_BV)
+(declare-const x (_ BitVec 8))
+(declare-const y (_ BitVec 4))
+(assert (= x #xff))
+(assert (= (concat y y) (bvnot #x55)))
+(check-sat)
+(get-value (x y (bvadd x #x01) ((_ extract 3 0) x)))

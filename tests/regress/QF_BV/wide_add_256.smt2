@@ -1,0 +1,13 @@
+; 256-bit words: addition, subtraction and comparisons solve fast.
+(set-logic QF_BV)
+(declare-const x (_ BitVec 256))
+(declare-const y (_ BitVec 256))
+(assert (= (bvadd x y) #x8000000000000000000000000000000000000000000000000000000000003039))
+(assert (bvult x y))
+(assert (bvslt y x))
+(assert (bvugt (bvsub y x) #x4000000000000000000000000000000000000000000000000000000000000000))
+(set-info :status sat)
+(check-sat)
+(assert (bvult y #x4000000000000000000000000000000000000000000000000000000000000000))
+(set-info :status unsat)
+(check-sat)
