@@ -1,6 +1,7 @@
 #include "theory/check/eufclosurechecker.h"
 
 #include <map>
+#include <utility>
 
 #include "terms/termmanager.h"
 
@@ -30,18 +31,25 @@ int EufClosureChecker::node(const Term_* t) {
 }
 
 // Children get nodes before their parents, without recursion: terms may be
-// deep.
+// deep. With that order one round of congruence() settles a whole chain
+// f(f(...a)) = f(f(...b)) once a = b.
 void EufClosureChecker::add_subterms(const Term_* t) {
-  std::vector<const Term_*> stack{t};
+  std::vector<std::pair<const Term_*, bool>> stack{{t, false}};
   while (!stack.empty()) {
-    const Term_* u = stack.back();
+    auto [u, expanded] = stack.back();
     stack.pop_back();
     if (d_index.count(u) != 0) {
       continue;
     }
-    node(u);
+    if (expanded) {
+      node(u);
+      continue;
+    }
+    stack.emplace_back(u, true);
     for (const Term_* c : *u) {
-      stack.push_back(c);
+      if (d_index.count(c) == 0) {
+        stack.emplace_back(c, false);
+      }
     }
   }
 }
