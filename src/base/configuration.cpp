@@ -71,6 +71,7 @@ void Configuration::copy_to(Configuration& other) const {
   other.dpll = dpll;
   other.theory = theory;
   other.printer = printer;
+  other.check = check;
   other.optimization = optimization;
   other.link_parents();
 }

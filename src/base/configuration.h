@@ -209,6 +209,16 @@ struct Configuration {
     bool model_as_formula = false;
   };
 
+  // Self-checks, all off by default: each costs time and exists to turn a
+  // wrong answer or an unsound step into an internal error. The test runs
+  // and the fuzzer switch them on; none is written by a dump.
+  struct Check {
+    bool models = false;             // every model holds every assertion
+    bool theory_facts = false;       // conflicts, explanations, lemmas
+    bool learnt_clauses = false;     // reverse unit propagation, slow
+    bool unsat_assumptions = false;  // returned core refuted afresh
+  };
+
   // Filled by the optimisation layer; no option of the table reaches it.
   struct Optimization {
     Configuration* parent = nullptr;
@@ -235,6 +245,7 @@ struct Configuration {
   Dpll dpll;
   Theory theory;
   Printer printer;
+  Check check;
   Optimization optimization;
 
   Configuration() { link_parents(); }

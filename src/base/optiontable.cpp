@@ -82,6 +82,33 @@ std::vector<OptionDef> debug_options() {
   };
 }
 
+// Help lists them; dumps leave them out, so that configuration files
+// written by one build read the same in every other.
+std::vector<OptionDef> check_options() {
+  return {
+      {ZENLO_OPT(check.models),
+       {},
+       "After every sat answer, evaluate each assertion and assumption in "
+       "the model; one that is not true is an internal error.",
+       kNotDumped},
+      {ZENLO_OPT(check.theory_facts),
+       {},
+       "Check every theory conflict, explanation and lemma by a checker "
+       "that shares no code with the theory solver.",
+       kNotDumped},
+      {ZENLO_OPT(check.learnt_clauses),
+       {},
+       "Check that every learnt clause follows from the clauses and theory "
+       "facts so far by unit propagation on a copy (slow).",
+       kNotDumped},
+      {ZENLO_OPT(check.unsat_assumptions),
+       {},
+       "After unsat under assumptions, check in a fresh environment that "
+       "the returned assumptions are unsat with the assertions.",
+       kNotDumped},
+  };
+}
+
 std::vector<OptionDef> printer_options() {
   return {
       {ZENLO_OPT(printer.bv_number_format),
@@ -622,6 +649,7 @@ const std::vector<OptionGroup>& option_table() {
   static const std::vector<OptionGroup> table = {
       {"General options:", general_options()},
       {"Debug options:", debug_options()},
+      {"Checking options:", check_options()},
       {"Printer options:", printer_options()},
       {"Preprocessor options:", preprocessor_options()},
       {"DPLL options:", dpll_options()},

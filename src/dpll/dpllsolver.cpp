@@ -27,6 +27,9 @@ DpllSolver::DpllSolver(Configuration::Dpll* config, const Configuration* global)
     d_model_generation = global->model_generation;
     d_unsat_core_generation = global->unsat_core_generation;
     d_proof_logging = global->proof_generation;
+    if (global->check.learnt_clauses) {
+      d_rup = std::make_unique<dpll::RupChecker>();
+    }
   }
   if (config->preprocessor.mode != 0) {
     if (d_proof_logging) {
@@ -300,6 +303,9 @@ bool DpllSolver::add_clause_inplace(std::vector<Lit>& lits,
   }
   if (!d_btpoints.empty()) {
     lits.push_back(d_btpoints.back() ^ 1);
+  }
+  if (d_rup) {
+    d_rup->add_axiom(lits);
   }
   Clause* c = nullptr;
   bool result = true;

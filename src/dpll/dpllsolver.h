@@ -25,6 +25,7 @@
 #define ZENLO_DPLL_DPLLSOLVER_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -37,6 +38,7 @@
 #include "dpll/dplltypes.h"
 #include "dpll/heap.h"
 #include "dpll/reallocvector.h"
+#include "dpll/rupchecker.h"
 
 namespace zenlo {
 
@@ -389,6 +391,8 @@ class DpllSolver {
   bool lit_redundant(Lit p, uint32_t abstract_levels);
   void binary_minimize(std::vector<Lit>& out);
   void learn(const std::vector<Lit>& lits, unsigned lbd);
+  // -check.learnt_clauses: each learnt clause must follow from the copy.
+  void check_learnt(const std::vector<Lit>& lits);
   void analyze_final(Lit p);
   unsigned compute_lbd(const Lit* lits, size_t n);
   Clause* reason_for_analysis(Var v);
@@ -566,6 +570,10 @@ class DpllSolver {
 
   std::vector<Clause*> d_pending_units;
   Clause* d_placeholder;
+
+  // With -check.learnt_clauses only; null otherwise, so that the search
+  // pays one predictable branch per clause.
+  std::unique_ptr<dpll::RupChecker> d_rup;
 
   // Theory side.
   // Trail literals below the head have been given to the theories.

@@ -91,6 +91,9 @@ bool DpllSolver::backjump_and_learn(Clause* confl, bool theory) {
 }
 
 void DpllSolver::learn(const std::vector<Lit>& lits, unsigned lbd) {
+  if (d_rup) {
+    check_learnt(lits);
+  }
   if (lits.size() > 1) {
     Clause* c = new_clause(lits, true, false);
     c->set_lbd(lbd);

@@ -185,6 +185,9 @@ void DpllSolver::drop_stored_lemmas(Lit guard, size_t from) {
 
 // Deletes the variables from `bv` up, youngest first, with their atoms.
 void DpllSolver::pop_young_vars(Var bv) {
+  if (d_rup) {
+    d_rup->forget_vars_from(bv);
+  }
   while (num_vars() > bv) {
     Var y = num_vars() - 1;
     // Every clause over a variable of the point carries the point's guard

@@ -236,6 +236,9 @@ DpllSolver::Clause* DpllSolver::make_theory_reason(Lit p,
     std::swap(*std::find(lits.begin(), lits.end(), p), lits[0]);
   }
   negate_unique(lits, 1);
+  if (d_rup) {
+    d_rup->add_axiom(lits);
+  }
   Clause* c = new_clause(lits, true, true);
   c->set_lbd(compute_lbd(lits.data(), lits.size()));
   d_learnts.push_back(c);
@@ -255,6 +258,9 @@ DpllSolver::Clause* DpllSolver::make_theory_conflict(std::vector<Lit>& lits) {
   add_guard(lits, GuardKind::TrueLits);
   sort_by_trail(lits);
   negate_unique(lits, 0);
+  if (d_rup) {
+    d_rup->add_axiom(lits);
+  }
   Clause* c = new_clause(lits, true, true);
   c->set_lbd(lits.empty() ? 0 : compute_lbd(lits.data(), lits.size()));
   if (c->size() >= 2) {
@@ -302,6 +308,9 @@ lbool DpllSolver::add_lemma(std::vector<Lit>& lits,
   add_guard(lits, GuardKind::Lemma);
   sort_by_trail(lits);
   lits.erase(std::unique(lits.begin(), lits.end()), lits.end());
+  if (d_rup) {
+    d_rup->add_axiom(lits);
+  }
   Clause* c = new_clause(lits, !second, true);
   c->set_lbd(compute_lbd(lits.data(), lits.size()));
   if (id != 0) {

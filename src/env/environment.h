@@ -392,6 +392,11 @@ class Environment {
   void add_model_formulas(ModelStore& m);
   const Term_* blocking_clause(ModelStore& model, const TermList& diversifiers);
 
+  // Self-checks (-check.models, -check.unsat_assumptions); see
+  // environment_selfcheck.cpp.
+  void check_model_holds(const TermList& assumptions);
+  void check_unsat_assumptions();
+
   // 1. Configuration copy, output stream, logger.
   Configuration d_config;
   std::unique_ptr<std::streambuf> d_outbuf;

@@ -169,6 +169,9 @@ int Environment::do_check() {
     check_theory_atoms();
     d_last_result = 1;
     make_model_store();
+    if (d_config.check.models) {
+      check_model_holds(TermList());
+    }
   } else {
     d_last_result = 0;
     record_unsat_mark();

@@ -194,10 +194,16 @@ int Environment::do_check_with_assumptions(const TermList& assumptions) {
         d_model->add_formula(a);
       }
     }
+    if (d_config.check.models) {
+      check_model_holds(assumptions);
+    }
   } else {
     // A failure under assumptions says nothing about the stack alone.
     d_last_result = 0;
     collect_unsat_assumptions(lits, first_user);
+    if (d_config.check.unsat_assumptions) {
+      check_unsat_assumptions();
+    }
   }
   return d_last_result;
 }

@@ -11,6 +11,7 @@
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/bv/bvsolverinterface.h"
+#include "theory/check/theoryfactchecks.h"
 #include "theory/euf/eufsolverinterface.h"
 
 namespace zenlo {
@@ -369,7 +370,7 @@ void TheoryManager::get_conflict(std::vector<Lit>& lits) {
   d_solvers[d_conflict_solver]->get_conflict(d_tlits);
   to_search_lits(d_tlits, lits);
   log_lits("Conflict:", lits);
-  dump_tlemma(tlit_Undef, d_tlits, false);
+  dump_tlemma(d_conflict_solver, tlit_Undef, d_tlits, false);
 }
 
 TheoryManager::Lit TheoryManager::get_next_implied() {
@@ -415,7 +416,7 @@ bool TheoryManager::get_explanation(Lit lit,
   }
   ++d_counters[i].explanations;
   to_search_lits(d_tlits, lits);
-  dump_tlemma(tl, d_tlits, false);
+  dump_tlemma(*i, tl, d_tlits, false);
   return true;
 }
 

@@ -40,6 +40,7 @@ class Logger;
 class PolarityChecker;
 class TermManager;
 class TerminationTest;
+class TheoryFactChecks;
 class TheoryFactSink;
 
 class TheoryManager {
@@ -213,9 +214,16 @@ class TheoryManager {
   int new_lemma_id();
   Lit lemma_lit(TheoryLit l, const TheoryLemma& lemma, Var dependency);
   const Term_* do_get_model_value(const Term_* term);
-  void dump_tlemma(TheoryLit lit,
+  // Hands a fact of solver `solver` to the checks and the dump, each when
+  // its option is on.
+  void dump_tlemma(int solver,
+                   TheoryLit lit,
                    const std::vector<TheoryLit>& lits,
                    bool is_lemma);
+  void check_fact(int solver,
+                  TheoryLit lit,
+                  const std::vector<TheoryLit>& lits,
+                  bool is_lemma);
 
   // ---- Terms EUF meets (theorymanager_lemmas.cpp) --------------------------
   void handle_euf_requests();
@@ -265,6 +273,9 @@ class TheoryManager {
   bool d_in_lemma = false;
   hsh::HashSet<Var> d_lemma_atoms;
   TheoryFactSink* d_fact_sink = nullptr;
+  // With -check.theory_facts: the checkers, made at the first fact.
+  std::unique_ptr<TheoryFactChecks> d_fact_checks;
+  std::vector<TheoryLit> d_check_lits;
 
   // Boolean arguments: terms whose values EUF needs, the requests not yet
   // handled, and variables given to EUF after they were assigned.

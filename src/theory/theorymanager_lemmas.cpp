@@ -68,7 +68,7 @@ int TheoryManager::get_lemma(std::vector<Lit>& lits,
     d_in_lemma = false;
     throw;
   }
-  dump_tlemma(tlit_Undef, clause, true);
+  dump_tlemma(d_lemma_source, tlit_Undef, clause, true);
   clause.clear();
   d_tlits.swap(clause);
   return id;
@@ -114,9 +114,13 @@ void TheoryManager::retract_lemma(int id) {
 
 // Writes a formula that must be unsatisfiable: the conflict, the negated
 // implied literal with its reasons, or the negated lemma.
-void TheoryManager::dump_tlemma(TheoryLit lit,
+void TheoryManager::dump_tlemma(int solver,
+                                TheoryLit lit,
                                 const std::vector<TheoryLit>& lits,
                                 bool is_lemma) {
+  if (d_global->check.theory_facts) {
+    check_fact(solver, lit, lits, is_lemma);
+  }
   if (d_fact_sink == nullptr || !d_global->dump_theory_lemmas) {
     return;
   }

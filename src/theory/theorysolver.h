@@ -43,6 +43,8 @@ namespace proof {
 class Proof;
 }
 
+class FactCertificate;
+
 // The bits of TheoryLemma::flags; see TheoryManager::get_lemma for what
 // each does to the search.
 enum class LemmaFlag : uint32_t {
@@ -204,6 +206,11 @@ class TheorySolver {
   // After: the search has dropped it; the solver may give it again.
   //   Base: throws "can't retract lemmas".
   virtual void retract_lemma(void* data);
+
+  // Returns: evidence for the conflict, explanation or lemma just handed
+  //   out, for the theory's checker (-check.theory_facts); valid until the
+  //   next call into the solver. Base: null, the literals alone must do.
+  virtual const FactCertificate* fact_certificate() const { return nullptr; }
 
   // ---- Proofs --------------------------------------------------------------
 

@@ -14,6 +14,11 @@ model the script itself asks for, is checked by an independent solver (z3);
 see bench/zbench/smt2_models.py. While zenlo answers that models are not
 supported yet, the check is skipped.
 
+Every run has zenlo's self-checks on (CHECK_ARGS): models, theory facts,
+learnt clauses and unsat assumptions. They are options rather than a
+compile definition of the test build, because that build is also the one
+benchmarks time; an internal error they raise fails the test.
+
 usage: run_regress.py [--no-models] ZENLO FILE
 """
 import os
@@ -27,6 +32,10 @@ import tempfile
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)),
                                 "..", "..", "bench"))
 from zbench import smt2_models  # noqa: E402
+
+
+CHECK_ARGS = ["-check.models=true", "-check.theory_facts=true",
+              "-check.learnt_clauses=true", "-check.unsat_assumptions=true"]
 
 
 def read(path):
@@ -93,7 +102,7 @@ def main():
     models = argv[0] != "--no-models"
     zenlo, path = argv[-2], argv[-1]
     text = read(path)
-    args = extra_args(text)
+    args = CHECK_ARGS + extra_args(text)
     is_cnf = path.endswith(".cnf")
     if is_cnf and "-input=dimacs" not in args:
         args = ["-input=dimacs"] + args
@@ -105,6 +114,8 @@ def main():
     out = proc.stdout
     if proc.returncode < 0:
         fail("zenlo died with signal %d" % -proc.returncode, out, proc.stderr)
+    if "internal error" in out or "internal error" in proc.stderr:
+        fail("a self-check failed", out, proc.stderr)
 
     exp_file = path + ".expected"
     if os.path.exists(exp_file):

@@ -1,0 +1,227 @@
+#include "theory/check/eufclosurechecker.h"
+
+#include <map>
+#include <utility>
+
+#include "terms/termmanager.h"
+
+namespace zenlo {
+
+void EufClosureChecker::clear() {
+  d_terms.assign(2, nullptr);
+  d_index.clear();
+  d_parent = {kTrue, kFalse};
+}
+
+int EufClosureChecker::node(const Term_* t) {
+  switch (d_tm.get_tag(t->get_symbol())) {
+    case SymbolTag::TRUE: return kTrue;
+    case SymbolTag::FALSE: return kFalse;
+    default: break;
+  }
+  auto it = d_index.find(t);
+  if (it != d_index.end()) {
+    return it->second;
+  }
+  int n = static_cast<int>(d_terms.size());
+  d_terms.push_back(t);
+  d_parent.push_back(n);
+  d_index.emplace(t, n);
+  return n;
+}
+
+// Children get nodes before their parents, without recursion: terms may be
+// deep. With that order one round of congruence() settles a whole chain
+// f(f(...a)) = f(f(...b)) once a = b.
+void EufClosureChecker::add_subterms(const Term_* t) {
+  std::vector<std::pair<const Term_*, bool>> stack{{t, false}};
+  while (!stack.empty()) {
+    auto [u, expanded] = stack.back();
+    stack.pop_back();
+    if (d_index.count(u) != 0) {
+      continue;
+    }
+    if (expanded) {
+      node(u);
+      continue;
+    }
+    stack.emplace_back(u, true);
+    for (const Term_* c : *u) {
+      if (d_index.count(c) == 0) {
+        stack.emplace_back(c, false);
+      }
+    }
+  }
+}
+
+int EufClosureChecker::find(int n) {
+  while (d_parent[n] != n) {
+    d_parent[n] = d_parent[d_parent[n]];
+    n = d_parent[n];
+  }
+  return n;
+}
+
+void EufClosureChecker::merge(int a, int b) {
+  a = find(a);
+  b = find(b);
+  if (a != b) {
+    // true and false stay roots, so that truth() is one find.
+    if (a < b) {
+      std::swap(a, b);
+    }
+    d_parent[a] = b;
+    d_changed = true;
+  }
+}
+
+int EufClosureChecker::truth(int n) {
+  int r = find(n);
+  return r == find(kTrue) ? 1 : r == find(kFalse) ? 0 : -1;
+}
+
+// Terms with one symbol and pairwise equal arguments are equal.
+void EufClosureChecker::congruence() {
+  std::map<std::vector<uintptr_t>, int> table;
+  std::vector<uintptr_t> sig;
+  for (size_t n = 2; n < d_terms.size(); ++n) {
+    const Term_* t = d_terms[n];
+    if (t->get_arity() == 0) {
+      continue;
+    }
+    sig.assign(1, reinterpret_cast<uintptr_t>(t->get_symbol()));
+    for (const Term_* c : *t) {
+      sig.push_back(static_cast<uintptr_t>(find(node(c))));
+    }
+    auto [it, fresh] = table.emplace(sig, static_cast<int>(n));
+    if (!fresh) {
+      merge(it->second, static_cast<int>(n));
+    }
+  }
+}
+
+// (= a b): true when a ~ b; merges a and b when true; for Boolean sides,
+// false makes one side the negation of the other.
+void EufClosureChecker::rule_eq(int n, int a, int b) {
+  if (find(a) == find(b)) {
+    set_truth(n, true);
+  }
+  int v = truth(n);
+  if (v == 1) {
+    merge(a, b);
+  } else if (v == 0) {
+    if (truth(a) >= 0) {
+      set_truth(b, truth(a) == 0);
+    } else if (truth(b) >= 0) {
+      set_truth(a, truth(b) == 0);
+    }
+  }
+}
+
+// and: true iff every argument is; or is its dual, with the values flipped.
+void EufClosureChecker::rule_and_or(int n, bool is_and) {
+  const Term_* t = d_terms[n];
+  const int unit = is_and ? 1 : 0;  // the value that does not decide
+  int open = -1;
+  int num_open = 0;
+  for (const Term_* c : *t) {
+    int x = node(c);
+    int v = truth(x);
+    if (v == 1 - unit) {
+      set_truth(n, !is_and);
+      return;
+    }
+    if (v < 0) {
+      open = x;
+      ++num_open;
+    }
+  }
+  int v = truth(n);
+  if (num_open == 0) {
+    set_truth(n, is_and);
+  } else if (v == unit) {
+    for (const Term_* c : *t) {
+      set_truth(node(c), is_and);
+    }
+  } else if (v == 1 - unit && num_open == 1) {
+    set_truth(open, !is_and);
+  }
+}
+
+void EufClosureChecker::rule(int n) {
+  const Term_* t = d_terms[n];
+  auto child = [this, t](size_t i) { return node(t->get_child(i)); };
+  switch (d_tm.get_tag(t->get_symbol())) {
+    case SymbolTag::NOT: {
+      int x = child(0);
+      if (truth(x) >= 0) {
+        set_truth(n, truth(x) == 0);
+      } else if (truth(n) >= 0) {
+        set_truth(x, truth(n) == 0);
+      }
+      break;
+    }
+    case SymbolTag::AND: rule_and_or(n, true); break;
+    case SymbolTag::OR: rule_and_or(n, false); break;
+    case SymbolTag::IFF:
+    case SymbolTag::EQ:
+      if (t->get_arity() == 2) {
+        rule_eq(n, child(0), child(1));
+      }
+      break;
+    case SymbolTag::ITE: {
+      int c = truth(child(0));
+      if (c >= 0) {
+        merge(n, child(c == 1 ? 1 : 2));
+      }
+      break;
+    }
+    default: break;
+  }
+}
+
+bool EufClosureChecker::contradiction() {
+  if (find(kTrue) == find(kFalse)) {
+    return true;
+  }
+  std::unordered_map<int, const Symbol*> numeral;
+  for (size_t n = 2; n < d_terms.size(); ++n) {
+    const Term_* t = d_terms[n];
+    if (t->get_arity() != 0 || !d_tm.is_number(t->get_symbol())) {
+      continue;
+    }
+    auto [it, fresh] =
+        numeral.emplace(find(static_cast<int>(n)), t->get_symbol());
+    if (!fresh && it->second != t->get_symbol()) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void EufClosureChecker::close() {
+  do {
+    d_changed = false;
+    congruence();
+    for (size_t n = 2; n < d_terms.size(); ++n) {
+      rule(static_cast<int>(n));
+    }
+  } while (d_changed && find(kTrue) != find(kFalse));
+}
+
+std::string EufClosureChecker::check(const TheoryFact& fact) {
+  clear();
+  for (TheoryLit l : fact.lits) {
+    add_subterms(l.atom());
+  }
+  for (TheoryLit l : fact.lits) {
+    set_truth(node(l.atom()), !l.negated());
+  }
+  close();
+  if (contradiction()) {
+    return std::string();
+  }
+  return "the closure of its literals is consistent";
+}
+
+}  // namespace zenlo

@@ -1,0 +1,67 @@
+#include "theory/check/theoryfactchecks.h"
+
+#include <string>
+
+#include "terms/termmanager.h"
+#include "theory/check/eufclosurechecker.h"
+
+namespace zenlo {
+
+namespace {
+
+const char* kind_name(TheoryFactKind kind) {
+  switch (kind) {
+    case TheoryFactKind::Conflict: return "conflict";
+    case TheoryFactKind::Explanation: return "explanation";
+    case TheoryFactKind::Lemma: return "lemma";
+  }
+  return "fact";
+}
+
+// The literals as the message shows them, cut short for huge facts: the
+// message must name the fact, and the replay gives the rest.
+std::string lits_text(const std::vector<TheoryLit>& lits) {
+  constexpr size_t kMaxChars = 2000;
+  std::string s;
+  for (TheoryLit l : lits) {
+    std::string a = l.atom()->to_str();
+    s += l.negated() ? " (not " + a + ")" : " " + a;
+    if (s.size() > kMaxChars) {
+      return s.substr(0, kMaxChars) + " ...";
+    }
+  }
+  return s;
+}
+
+}  // namespace
+
+TheoryFactChecks::TheoryFactChecks(const TermManager& tm, int num_slots)
+    : d_tm(tm), d_checkers(num_slots) {
+  d_checkers[0] = std::make_unique<EufClosureChecker>(tm);
+}
+
+TheoryFactChecks::~TheoryFactChecks() = default;
+
+void TheoryFactChecks::set_checker(int slot,
+                                   std::unique_ptr<TheoryFactChecker> checker) {
+  d_checkers.at(slot) = std::move(checker);
+}
+
+void TheoryFactChecks::check(int slot,
+                             const char* theory,
+                             const TheoryFact& fact) {
+  ++d_checked;
+  const std::unique_ptr<TheoryFactChecker>& c = d_checkers.at(slot);
+  if (c == nullptr) {
+    throw error(std::string("internal error: check of theory facts: ") + theory
+                + " has no checker for its " + kind_name(fact.kind));
+  }
+  std::string why = c->check(fact);
+  if (!why.empty()) {
+    throw error(std::string("internal error: check of theory facts: ") + theory
+                + " " + kind_name(fact.kind) + " does not hold (" + why
+                + "):" + lits_text(fact.lits));
+  }
+}
+
+}  // namespace zenlo
