@@ -416,7 +416,7 @@ bool TheoryManager::get_explanation(Lit lit,
   }
   ++d_counters[i].explanations;
   to_search_lits(d_tlits, lits);
-  dump_tlemma(*i, tl, d_tlits, false);
+  dump_tlemma(i, tl, d_tlits, false);
   return true;
 }
 
