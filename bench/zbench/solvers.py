@@ -190,9 +190,6 @@ def make_solvers(zenlo_path, paths):
         Solver("cvc5", b("cvc5"), is_smt2, cvc5_command, parse_smtlib),
         Solver("boolector", b("boolector"), boolector_takes,
                _simple("--smt2"), parse_boolector),
-        # Yices 2 through its wrapper, which adds --incremental as needed.
-        Solver("yices", b("/work/shared/peers/yices"), is_smt2, _simple(),
-               parse_smtlib),
         Solver("minisat", b("minisat"), is_cnf, _simple("-verb=0"),
                parse_minisat),
         Solver("cadical", b("cadical"), is_cnf, _simple("-q", "-n"),
