@@ -11,6 +11,7 @@
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/euf/eufsolverinterface.h"
+#include "theory/la/lasolverinterface.h"
 
 namespace zenlo {
 
@@ -38,6 +39,9 @@ TheoryManager::TheoryManager(const Configuration* config,
     euf->add_dyn_ack_tag(SymbolTag::ARRAY_WRITE);
   }
   install_solver(SolverIndex::Euf, std::move(euf), d_config->euf.enabled);
+  install_solver(SolverIndex::La,
+                 std::make_unique<LaSolverInterface>(d_config, tm),
+                 d_config->la.enabled);
 }
 
 TheoryManager::~TheoryManager() = default;
@@ -431,6 +435,14 @@ void TheoryManager::build_model() {
 }
 
 const Term_* TheoryManager::get_model_value(const Term_* term) {
+  // EUF names a numeric class by one of its members; arithmetic knows the
+  // number.
+  const int la = static_cast<int>(SolverIndex::La);
+  if (enabled(la)) {
+    if (const Term_* v = d_solvers[la]->get_model_value(term)) {
+      return v;
+    }
+  }
   const Term_* value =
       enabled(0) ? d_solvers[0]->get_model_value(term) : nullptr;
   if (value == nullptr) {
