@@ -264,9 +264,23 @@ bool LaSolverInterface::check(bool approx) {
         d_splits.push_back(d_atoms[*i].atom);
       }
     }
+    check_integrality();
     d_model_ok = true;
   }
   return true;
+}
+
+// Integer variables are only relaxed to rationals here (term-ifs over
+// integral numbers are the common case). A relaxed solution that is not
+// integral cannot be trusted: the check gives up rather than answer sat.
+void LaSolverInterface::check_integrality() const {
+  for (int x : d_mapper.int_vars()) {
+    const la::DNumber& v = d_solver.get_abstract_value(x);
+    if (!v.real().is_integer() || !v.delta().is_zero()) {
+      throw error("integer arithmetic is not supported: "
+                  + d_mapper.term(x)->to_str());
+    }
+  }
 }
 
 void LaSolverInterface::get_conflict(std::vector<TheoryLit>& out) {

@@ -107,6 +107,7 @@ class LaSolverInterface : public TheorySolver {
   bool push_queue();
   void pop_queue_to(size_t size);
   void take_conflict();
+  void check_integrality() const;
 
   // ---- Model ---------------------------------------------------------------
   const Term_* eval_linear(const Term_* term);

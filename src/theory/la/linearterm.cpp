@@ -76,6 +76,9 @@ void LinearTermMapper::set_variable(int var, const Term_* t) {
   d_term_of[var] = t;
   if (t != nullptr) {
     d_var_of.insert(t, var);
+    if (d_tm->is_integer_type(t->get_type())) {
+      d_int_vars.push_back(var);
+    }
   }
 }
 
@@ -87,6 +90,9 @@ void LinearTermMapper::free_vars_upto(int var) {
         d_var_of.erase(d_term_of[x]);
       }
       d_term_of.resize(x);
+    }
+    if (!d_int_vars.empty() && d_int_vars.back() == x) {
+      d_int_vars.pop_back();
     }
     d_solver->remove_last_var();
   }
@@ -193,11 +199,6 @@ void LinearTermMapper::make_linear(const Term_* t,
         break;
       case SymbolTag::UNKNOWN:
       case SymbolTag::ITE:
-        // Integer variables need integer reasoning, which is not here:
-        // a rational answer over them could be wrong.
-        if (d_tm->is_integer_type(type)) {
-          unsupported(s);
-        }
         add_monomial(variable(s, false), a, out.monomials);
         break;
       default: unsupported(s);

@@ -92,6 +92,10 @@ class LinearTermMapper {
   //   their terms.
   void free_vars_upto(int var);
 
+  // The variables of Int type, in creation order. The solver reasons over
+  // the rationals; an answer is only good when these get integers.
+  const std::vector<int>& int_vars() const { return d_int_vars; }
+
   // Records that the solver variable `var` (a slack) has no term.
   void set_variable(int var, const Term_* t);
 
@@ -103,6 +107,7 @@ class LinearTermMapper {
   Solver* d_solver;
   hsh::HashMap<const Term_*, int> d_var_of;
   std::vector<const Term_*> d_term_of;  // by variable; null for slacks
+  std::vector<int> d_int_vars;
   // Scratch of make_linear: the explicit stack of (term, coefficient).
   std::vector<std::pair<const Term_*, QNumber>> d_stack;
 };
