@@ -34,7 +34,8 @@ void LaSolverInterface::set_termination_test(TerminationTest* test) {
 
 bool LaSolverInterface::should_handle(const Term_* term) const {
   switch (d_tm->get_tag(term->get_symbol())) {
-    case SymbolTag::LEQ: return true;
+    case SymbolTag::LEQ:
+    case SymbolTag::INT_MOD_CONGR: return true;
     case SymbolTag::EQ: {
       const Type* t = term->get_child(0)->get_type();
       return d_tm->is_real_type(t) || d_tm->is_integer_type(t);
@@ -84,6 +85,10 @@ std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
   info.first_var = d_solver.num_vars();
   d_atom_index.insert(atom, static_cast<int>(d_atoms.size()));
   try {
+    if (d_tm->get_tag(atom->get_symbol()) == SymbolTag::INT_MOD_CONGR) {
+      // Congruences need integer reasoning, which this solver lacks.
+      throw la::LinearTermMapper::error("unsupported term: " + atom->to_str());
+    }
     d_mapper.make_linear(atom, false, d_lin);
   } catch (const la::LinearTermMapper::error& e) {
     d_mapper.free_vars_upto(info.first_var);
@@ -169,6 +174,25 @@ bool LaSolverInterface::took_back_facts() {
 
 void LaSolverInterface::new_decision_level() {
   d_levels.push_back(Level{d_queue.size()});
+}
+
+void LaSolverInterface::push_backtrack_point() {
+  d_split_marks.push_back(d_split_log.size());
+}
+
+void LaSolverInterface::pop_backtrack_point() {
+  if (d_split_marks.empty()) {
+    return;
+  }
+  size_t mark = d_split_marks.back();
+  d_split_marks.pop_back();
+  for (size_t i = mark; i < d_split_log.size(); ++i) {
+    const Term_* eq = d_split_log[i];
+    if (std::find(d_splits.begin(), d_splits.end(), eq) == d_splits.end()) {
+      d_splits.push_back(eq);
+    }
+  }
+  d_split_log.resize(mark);
 }
 
 void LaSolverInterface::cancel_until(int level) {
@@ -320,6 +344,13 @@ bool LaSolverInterface::get_explanation(TheoryLit lit,
 // ---------------------------------------------------------------------------
 
 bool LaSolverInterface::has_lemmas() {
+  // Equalities retracted since they were queued need no split.
+  d_splits.erase(std::remove_if(d_splits.begin(),
+                                d_splits.end(),
+                                [this](const Term_* eq) {
+                                  return !d_atom_index.contains(eq);
+                                }),
+                 d_splits.end());
   return !d_units.empty() || !d_splits.empty();
 }
 
@@ -334,6 +365,7 @@ TheoryLemma LaSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
   }
   const Term_* eq = d_splits.back();
   d_splits.pop_back();
+  d_split_log.push_back(eq);
   const Term_* a = eq->get_child(0);
   const Term_* b = eq->get_child(1);
   bool simplify = d_tm->simplifications_enabled();

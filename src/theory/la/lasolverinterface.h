@@ -49,6 +49,8 @@ class LaSolverInterface : public TheorySolver {
   bool took_back_facts() override;
 
   void new_decision_level() override;
+  void push_backtrack_point() override;
+  void pop_backtrack_point() override;
   void cancel_until(int level) override;
 
   bool assume(TheoryLit lit) override;
@@ -128,7 +130,12 @@ class LaSolverInterface : public TheorySolver {
   bool d_took_back = false;
 
   std::vector<const Term_*> d_splits;  // equalities to split
-  std::vector<TheoryLit> d_units;      // atoms without variables
+  // Split lemmas given so far, and their number at each backtrack point:
+  // a pop takes the lemmas of its point away, so their equalities are
+  // split again if they outlive it.
+  std::vector<const Term_*> d_split_log;
+  std::vector<size_t> d_split_marks;
+  std::vector<TheoryLit> d_units;  // atoms without variables
   std::vector<TheoryLit> d_conflict;
 
   const Term_* d_refused = nullptr;
