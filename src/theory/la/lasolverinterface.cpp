@@ -58,6 +58,31 @@ int LaSolverInterface::new_constraint(TheoryLit lit,
   return c;
 }
 
+// Whether an uninterpreted application in `atom` takes or gives a number.
+bool LaSolverInterface::mixes_uf(const Term_* atom) const {
+  auto numeric = [this](const Term_* t) {
+    return d_tm->is_real_type(t->get_type())
+           || d_tm->is_integer_type(t->get_type());
+  };
+  TermSet seen;
+  std::vector<const Term_*> stack{atom};
+  while (!stack.empty()) {
+    const Term_* t = stack.back();
+    stack.pop_back();
+    if (!seen.insert(t).second) {
+      continue;
+    }
+    if (t->get_arity() > 0
+        && d_tm->get_tag(t->get_symbol()) == SymbolTag::UNKNOWN) {
+      if (numeric(t) || std::any_of(t->begin(), t->end(), numeric)) {
+        return true;
+      }
+    }
+    stack.insert(stack.end(), t->begin(), t->end());
+  }
+  return false;
+}
+
 // An equality that only occurs positively never needs its negation: with
 // pure-equality filtering its split waits until a negative occurrence
 // shows up at an assume.
@@ -76,7 +101,8 @@ void LaSolverInterface::queue_split(AtomInfo& info) {
 // A refused atom stays told (so that its retraction clears the refusal)
 // but gets no constraint; every check throws until it is gone.
 std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
-  if (!should_handle(atom)) {
+  bool handle = should_handle(atom);
+  if (!handle && !mixes_uf(atom)) {
     return {false, false};
   }
   AtomInfo info;
@@ -85,8 +111,10 @@ std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
   info.first_var = d_solver.num_vars();
   d_atom_index.insert(atom, static_cast<int>(d_atoms.size()));
   try {
-    if (d_tm->get_tag(atom->get_symbol()) == SymbolTag::INT_MOD_CONGR) {
-      // Congruences need integer reasoning, which this solver lacks.
+    if (!handle || d_tm->get_tag(atom->get_symbol()) == SymbolTag::INT_MOD_CONGR
+        || mixes_uf(atom)) {
+      // Congruences need integer reasoning, and arithmetic under
+      // uninterpreted functions needs theory combination; neither is here.
       throw la::LinearTermMapper::error("unsupported term: " + atom->to_str());
     }
     d_mapper.make_linear(atom, false, d_lin);
@@ -97,7 +125,7 @@ std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
       d_refused = atom;
       d_refusal = e.message();
     }
-    throw error(e.message());
+    return {true, true};
   }
   if (d_lin.monomials.empty()) {
     d_units.push_back(TheoryLit(atom, d_lin.is_false()));

@@ -103,6 +103,7 @@ class LaSolverInterface : public TheorySolver {
   // ---- Atoms ---------------------------------------------------------------
   int new_constraint(TheoryLit lit, const la::LinearTerm& lin);
   bool wants_split_now(const Term_* atom) const;
+  bool mixes_uf(const Term_* atom) const;
   void queue_split(AtomInfo& info);
 
   // ---- Checking ------------------------------------------------------------
