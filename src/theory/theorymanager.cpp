@@ -13,6 +13,7 @@
 #include "theory/bv/bvsolverinterface.h"
 #include "theory/check/theoryfactchecks.h"
 #include "theory/euf/eufsolverinterface.h"
+#include "theory/la/lasolverinterface.h"
 
 namespace zenlo {
 
@@ -40,6 +41,9 @@ TheoryManager::TheoryManager(const Configuration* config,
     euf->add_dyn_ack_tag(SymbolTag::ARRAY_WRITE);
   }
   install_solver(SolverIndex::Euf, std::move(euf), d_config->euf.enabled);
+  install_solver(SolverIndex::La,
+                 std::make_unique<LaSolverInterface>(d_config, tm),
+                 d_config->la.enabled);
   install_solver(SolverIndex::Bv,
                  bv::make_bv_solver(config, tm, dpll),
                  d_config->bv.enabled);

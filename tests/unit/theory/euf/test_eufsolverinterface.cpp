@@ -518,9 +518,10 @@ TEST(EufForeign, TermsOfMissingTheoriesAreRefused) {
   TermManager tm;
   const Term_* x = tm.make_constant(tm.make_symbol("x", tm.get_integer_type()));
   Road road(tm);
-  const Term_* bad = tm.make_equal(tm.make_plus(x, tm.make_number(1)), x);
-  EXPECT_THROW(road.add({{bad, false}}), TheoryManager::error);
-  EXPECT_THROW(road.engine->solve(), TheoryManager::error);
+  // Arithmetic has its solver: x + 1 = x is refuted, not refused.
+  const Term_* eq = tm.make_equal(tm.make_plus(x, tm.make_number(1)), x);
+  road.add({{eq, false}});
+  EXPECT_FALSE(road.engine->solve());
 
   TermManager tm2;
   const Term_* y = tm2.make_constant(tm2.make_symbol("y", tm2.get_bv_type(1)));

@@ -1,0 +1,323 @@
+// la::Solver: variables, constraints, the stack of pushed constraints and
+// implications. The simplex loop is in lasolver_check.cpp, models in
+// lasolver_model.cpp.
+#include "theory/la/lasolver.h"
+
+#include <algorithm>
+
+namespace zenlo {
+namespace la {
+
+Solver::Solver(int deduction_level, int greedy_threshold)
+    : d_deduction(deduction_level), d_greedy_threshold(greedy_threshold) {}
+
+// ---------------------------------------------------------------------------
+// Variables and equations
+// ---------------------------------------------------------------------------
+
+int Solver::new_var() {
+  int x = d_tab.add_var();
+  d_beta.emplace_back();
+  d_saved.emplace_back();
+  d_lower.emplace_back();
+  d_upper.emplace_back();
+  d_var_cons.emplace_back();
+  d_is_changed.push_back(0);
+  d_is_touched.push_back(0);
+  d_is_candidate.push_back(0);
+  d_model.emplace_back();
+  return x;
+}
+
+// Both the current and the saved assignment get the slack's value, so that
+// a later restore keeps every equation true.
+void Solver::tell_equation(int slack, const LinearSum& sum) {
+  DNumber v, s;
+  for (const auto& [x, a] : sum) {
+    v.addmul(d_beta[x], a);
+    s.addmul(d_saved[x], a);
+  }
+  d_tab.add_row(slack, sum);
+  d_beta[slack] = v;
+  d_saved[slack] = s;
+}
+
+void Solver::remove_last_var() {
+  int x = num_vars() - 1;
+  if (!d_var_cons[x].empty() || d_lower[x].present || d_upper[x].present) {
+    throw error("la::Solver: removing a variable that has constraints");
+  }
+  d_tab.remove_last_var();
+  d_beta.pop_back();
+  d_saved.pop_back();
+  d_lower.pop_back();
+  d_upper.pop_back();
+  d_var_cons.pop_back();
+  d_model.pop_back();
+  // The lists refer to variables by index; drop the ones that go.
+  auto drop = [x](std::vector<int>& list, std::vector<uint8_t>& flags) {
+    if (flags[x]) {
+      list.erase(std::remove(list.begin(), list.end(), x), list.end());
+    }
+    flags.pop_back();
+  };
+  drop(d_changed, d_is_changed);
+  drop(d_touched, d_is_touched);
+  drop(d_candidates, d_is_candidate);
+}
+
+// ---------------------------------------------------------------------------
+// Constraints
+// ---------------------------------------------------------------------------
+
+void Solver::tell_bound(int c, int var, BoundKind kind, const DNumber& bound) {
+  if (c >= static_cast<int>(d_cons.size())) {
+    d_cons.resize(std::max<size_t>(c + 1, d_cons.size() * 2));
+    d_impl_index.resize(d_cons.size(), -1);
+  }
+  RangeConstraint& rc = d_cons[c];
+  if (rc.var >= 0) {
+    throw error("la::Solver: constraint told twice");
+  }
+  rc.var = var;
+  rc.kind = kind;
+  rc.bound = bound;
+  rc.on_stack = false;
+  rc.implied = false;
+  d_var_cons[var].push_back(c);
+}
+
+void Solver::retract_bound(int c) {
+  RangeConstraint& rc = d_cons[c];
+  if (rc.var < 0 || rc.on_stack) {
+    throw error("la::Solver: retracting a constraint that is not free");
+  }
+  std::vector<int>& list = d_var_cons[rc.var];
+  list.erase(std::find(list.begin(), list.end(), c));
+  rc.var = -1;
+  rc.implied = false;
+}
+
+// ---------------------------------------------------------------------------
+// Asserting
+// ---------------------------------------------------------------------------
+
+bool Solver::push_constraint(int c) {
+  RangeConstraint& rc = d_cons[c];
+  d_stack.push_back(Pushed{c, d_undo.size(), d_diseqs.size()});
+  rc.on_stack = true;
+  if (d_inconsistent) {
+    return false;
+  }
+  if (rc.implied) {
+    return true;  // its bound follows from the reason's bounds
+  }
+  bool ok = true;
+  switch (rc.kind) {
+    case BoundKind::Lower: ok = assert_lower(rc.var, rc.bound, c); break;
+    case BoundKind::Upper: ok = assert_upper(rc.var, rc.bound, c); break;
+    case BoundKind::Equal:
+      ok = assert_lower(rc.var, rc.bound, c)
+           && assert_upper(rc.var, rc.bound, c);
+      break;
+    case BoundKind::Diseq: d_diseqs.push_back(c); break;
+  }
+  if (!ok) {
+    d_inconsistent = true;
+    d_inconsistent_depth = d_stack.size();
+    ++d_stats.conflicts;
+    return false;
+  }
+  if (d_deduction > 0) {
+    try_trivial_implications(c);
+  }
+  return true;
+}
+
+// A bound that does not tighten is not recorded; one that crosses the
+// opposite bound is a conflict of the two constraints.
+bool Solver::assert_lower(int x, const DNumber& b, int c) {
+  Bound& lo = d_lower[x];
+  if (lo.present && b <= lo.value) {
+    return true;
+  }
+  const Bound& up = d_upper[x];
+  if (up.present && b > up.value) {
+    d_conflict.clear();
+    d_conflict_coeffs.clear();
+    add_conflict(c, QNumber::one());
+    add_conflict(up.constraint, QNumber::one());
+    return false;
+  }
+  d_undo.push_back(BoundUndo{x, false, lo});
+  lo.value = b;
+  lo.constraint = c;
+  lo.present = true;
+  touch(x);
+  return true;
+}
+
+bool Solver::assert_upper(int x, const DNumber& b, int c) {
+  Bound& up = d_upper[x];
+  if (up.present && b >= up.value) {
+    return true;
+  }
+  const Bound& lo = d_lower[x];
+  if (lo.present && b < lo.value) {
+    d_conflict.clear();
+    d_conflict_coeffs.clear();
+    add_conflict(c, QNumber::one());
+    add_conflict(lo.constraint, QNumber::one());
+    return false;
+  }
+  d_undo.push_back(BoundUndo{x, true, up});
+  up.value = b;
+  up.constraint = c;
+  up.present = true;
+  touch(x);
+  return true;
+}
+
+// A temporary bound (-1) only serves a disequality split, which adds its
+// own reason.
+void Solver::add_conflict(int c, const QNumber& a) {
+  if (c < 0) {
+    return;
+  }
+  for (size_t i = 0; i < d_conflict.size(); ++i) {
+    if (d_conflict[i] == c) {
+      d_conflict_coeffs[i] += a;
+      return;
+    }
+  }
+  d_conflict.push_back(c);
+  d_conflict_coeffs.push_back(a);
+}
+
+void Solver::touch(int x) {
+  if (!d_is_touched[x]) {
+    d_is_touched[x] = 1;
+    d_touched.push_back(x);
+  }
+}
+
+bool Solver::get_lower_bound(int x, DNumber& out) const {
+  if (d_lower[x].present) {
+    out = d_lower[x].value;
+  }
+  return d_lower[x].present;
+}
+
+bool Solver::get_upper_bound(int x, DNumber& out) const {
+  if (d_upper[x].present) {
+    out = d_upper[x].value;
+  }
+  return d_upper[x].present;
+}
+
+// ---------------------------------------------------------------------------
+// Backtracking
+// ---------------------------------------------------------------------------
+
+void Solver::undo_bounds(size_t size) {
+  while (d_undo.size() > size) {
+    BoundUndo& u = d_undo.back();
+    (u.upper ? d_upper : d_lower)[u.var] = std::move(u.old);
+    d_undo.pop_back();
+  }
+}
+
+// Values stay: looser bounds never make a nonbasic value wrong.
+int Solver::pop_constraint() {
+  Pushed p = d_stack.back();
+  d_stack.pop_back();
+  undo_bounds(p.undo_size);
+  d_diseqs.resize(p.diseq_size);
+  d_cons[p.constraint].on_stack = false;
+  if (d_stack.size() < d_inconsistent_depth) {
+    d_inconsistent = false;
+  }
+  while (d_num_implications > 0
+         && d_implications[d_num_implications - 1].stack_size
+                > d_stack.size()) {
+    Implication& imp = d_implications[--d_num_implications];
+    d_cons[imp.constraint].implied = false;
+    d_impl_index[imp.constraint] = -1;
+  }
+  d_impl_cursor = std::min(d_impl_cursor, d_num_implications);
+  return p.constraint;
+}
+
+// ---------------------------------------------------------------------------
+// Implications
+// ---------------------------------------------------------------------------
+
+// Another constraint on the same variable that is off the stack is decided
+// by the new bound b when b lies on its side:
+//   lower b implies lower k when b >= k, and x != k when b > k;
+//   upper b implies upper k when b <= k, and x != k when b < k;
+//   equal b implies lower k (b >= k), upper k (b <= k), equal k (b = k)
+//   and x != k (b != k).
+void Solver::try_trivial_implications(int c) {
+  const RangeConstraint& rc = d_cons[c];
+  if (rc.kind == BoundKind::Diseq) {
+    return;
+  }
+  const DNumber& b = rc.bound;
+  const bool lower = rc.kind != BoundKind::Upper;
+  const bool upper = rc.kind != BoundKind::Lower;
+  for (int o : d_var_cons[rc.var]) {
+    const RangeConstraint& oc = d_cons[o];
+    if (o == c || oc.on_stack || oc.implied) {
+      continue;
+    }
+    bool hit = false;
+    int s = cmp(b, oc.bound);
+    switch (oc.kind) {
+      case BoundKind::Lower: hit = lower && s >= 0; break;
+      case BoundKind::Upper: hit = upper && s <= 0; break;
+      case BoundKind::Equal: hit = lower && upper && s == 0; break;
+      case BoundKind::Diseq:
+        hit = (lower && upper) ? s != 0 : (lower ? s > 0 : s < 0);
+        break;
+    }
+    if (hit) {
+      push_implication(o, c);
+    }
+  }
+}
+
+void Solver::push_implication(int c, int reason) {
+  if (d_num_implications == d_implications.size()) {
+    d_implications.emplace_back();
+  }
+  Implication& imp = d_implications[d_num_implications];
+  imp.constraint = c;
+  imp.stack_size = d_stack.size();
+  imp.reason.clear();
+  imp.reason.push_back(reason);
+  d_impl_index[c] = static_cast<int>(d_num_implications);
+  ++d_num_implications;
+  d_cons[c].implied = true;
+  ++d_stats.implications;
+}
+
+bool Solver::next_implied(int& c) {
+  if (d_impl_cursor >= d_num_implications) {
+    return false;
+  }
+  c = d_implications[d_impl_cursor++].constraint;
+  return true;
+}
+
+const std::vector<int>& Solver::implication_reason(int c) const {
+  int i = d_impl_index[c];
+  if (i < 0) {
+    throw error("la::Solver: no implication for constraint "
+                + std::to_string(c));
+  }
+  return d_implications[i].reason;
+}
+
+}  // namespace la
+}  // namespace zenlo

@@ -1,0 +1,8 @@
+(set-logic QF_LRA)
+(set-info :status unsat)
+(declare-fun x () Real)
+(declare-fun y () Real)
+(assert (distinct x y))
+(assert (<= x y))
+(assert (<= y x))
+(check-sat)

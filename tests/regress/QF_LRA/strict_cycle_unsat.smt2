@@ -1,0 +1,7 @@
+(set-logic QF_LRA)
+(set-info :status unsat)
+(declare-fun x () Real)
+(declare-fun y () Real)
+(assert (< x y))
+(assert (< y x))
+(check-sat)

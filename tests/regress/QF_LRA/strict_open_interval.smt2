@@ -1,0 +1,7 @@
+(set-option :produce-models true)
+(set-logic QF_LRA)
+(declare-fun x () Real)
+(assert (< x 1))
+(assert (> x 0))
+(check-sat)
+(get-value (x))
