@@ -189,15 +189,15 @@ TEST(SmtLib2InterfaceTest, FailedDeclarationsLeaveNoTrace) {
 TEST(SmtLib2InterfaceTest, UndecidedAtomsAnswerUnknownWithAReason) {
   std::string out = output(
       "(get-info :reason-unknown)"
-      "(declare-fun x () (_ BitVec 4))(assert (bvult #x0 x))(check-sat)"
-      "(get-info :reason-unknown)(assert false)(check-sat)"
+      "(declare-fun x () (_ FloatingPoint 8 24))(assert (fp.isNaN x))"
+      "(check-sat)(get-info :reason-unknown)(assert false)(check-sat)"
       "(get-info :reason-unknown)");
   EXPECT_EQ(out,
             "(error \"no reason to give: the last check did not answer "
             "unknown\")\n"
             "unknown\n"
             "( :reason-unknown \"no enabled theory solver handles "
-            "`0_4' of type <BitVec, 4, >\" )\n"
+            "`x' of type <FP, 8:23, >\" )\n"
             "unsat\n"
             "(error \"no reason to give: the last check did not answer "
             "unknown\")\n");
