@@ -4,6 +4,8 @@
 
 #include "terms/termmanager.h"
 #include "theory/check/eufclosurechecker.h"
+#include "theory/check/lafactchecker.h"
+#include "theory/theoryowner.h"
 
 namespace zenlo {
 
@@ -37,7 +39,10 @@ std::string lits_text(const std::vector<TheoryLit>& lits) {
 
 TheoryFactChecks::TheoryFactChecks(const TermManager& tm, int num_slots)
     : d_tm(tm), d_checkers(num_slots) {
-  d_checkers[0] = std::make_unique<EufClosureChecker>(tm);
+  d_checkers[static_cast<int>(TheoryId::Euf)] =
+      std::make_unique<EufClosureChecker>(tm);
+  d_checkers[static_cast<int>(TheoryId::La)] =
+      std::make_unique<LaFactChecker>(tm);
 }
 
 TheoryFactChecks::~TheoryFactChecks() = default;

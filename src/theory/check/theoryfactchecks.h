@@ -20,7 +20,7 @@ class TheoryFactChecks {
  public:
   ZENLO_DECLARE_ERROR;
 
-  // After: slot 0 (EUF) has its checker; the other slots have none.
+  // After: EUF and LA have their checkers; the other slots have none.
   TheoryFactChecks(const TermManager& tm, int num_slots);
   ~TheoryFactChecks();
 

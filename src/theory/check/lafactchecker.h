@@ -1,0 +1,44 @@
+// Checks linear arithmetic facts by deciding the fact's literals over the
+// rationals on its own: each literal is read from its terms into a sum with
+// exact GMP rationals, equalities are solved away by substitution and the
+// inequalities by Fourier-Motzkin elimination, strictness carried along. A
+// negated equality t != 0 is refuted when the rest refutes both t < 0 and
+// t > 0 (a convex set is never covered by finitely many hyperplanes unless
+// it lies in one of them).
+//
+// It shares nothing with the simplex, its tableau or its number fast paths:
+// slow and plain on purpose. Any subterm that is not a sum, a product by a
+// number, a division by a number or a number is an opaque variable; that
+// only weakens the literals, so a refutation is sound. Integer sorts are
+// read as reals, which is what the fact claims for a relaxed solver.
+#ifndef ZENLO_THEORY_CHECK_LAFACTCHECKER_H
+#define ZENLO_THEORY_CHECK_LAFACTCHECKER_H
+
+#include <cstddef>
+#include <string>
+
+#include "theory/check/theoryfact.h"
+
+namespace zenlo {
+
+class TermManager;
+
+class LaFactChecker : public TheoryFactChecker {
+ public:
+  // max_rows bounds the constraints that elimination may hold at once; a
+  // fact that needs more is reported as not refuted, naming the bound.
+  explicit LaFactChecker(const TermManager& tm, size_t max_rows = 200000)
+      : d_tm(tm), d_max_rows(max_rows) {}
+
+  // Returns: empty when the literals have no rational solution; otherwise
+  //   why they were not refuted.
+  std::string check(const TheoryFact& fact) override;
+
+ private:
+  const TermManager& d_tm;
+  size_t d_max_rows;
+};
+
+}  // namespace zenlo
+
+#endif

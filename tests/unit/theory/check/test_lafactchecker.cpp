@@ -1,0 +1,146 @@
+// The independent arithmetic checker: it must refute what is contradictory
+// over the rationals (strictness, equalities, disequalities, numbers past a
+// machine word) and nothing that has a solution.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "terms/termmanager.h"
+#include "theory/check/lafactchecker.h"
+
+namespace zenlo {
+namespace {
+
+using Lits = std::vector<TheoryLit>;
+
+class LaFactCheckerTest : public ::testing::Test {
+ protected:
+  LaFactCheckerTest() : real(tm.get_real_type()), checker(tm) {
+    x = constant("x");
+    y = constant("y");
+    z = constant("z");
+  }
+
+  const Term_* constant(const std::string& name) {
+    return tm.make_constant(tm.make_symbol(name, real));
+  }
+
+  const Term_* num(const std::string& text) {
+    return tm.make_number(QNumber::from_str(text));
+  }
+
+  const Term_* num(long n) { return tm.make_number(n); }
+
+  const Term_* times(long k, const Term_* t) {
+    return tm.make_times(num(k), t);
+  }
+
+  const Term_* plus(const Term_* a, const Term_* b) {
+    return tm.make_plus(a, b);
+  }
+
+  const Term_* minus(const Term_* a, const Term_* b) {
+    return plus(a, times(-1, b));
+  }
+
+  TheoryLit leq(const Term_* a, const Term_* b) {
+    return TheoryLit(tm.make_leq(a, b));
+  }
+
+  // a < b, as the negation of b <= a
+  TheoryLit lt(const Term_* a, const Term_* b) { return ~leq(b, a); }
+
+  TheoryLit eq(const Term_* a, const Term_* b) {
+    return TheoryLit(tm.make_equal(a, b));
+  }
+
+  std::string why(const Lits& lits, LaFactChecker* c = nullptr) {
+    TheoryFact fact{TheoryFactKind::Conflict, lits, nullptr};
+    return (c != nullptr ? c : &checker)->check(fact);
+  }
+
+  bool refuted(const Lits& lits) { return why(lits).empty(); }
+
+  TermManager tm;
+  const Type* real;
+  LaFactChecker checker;
+  const Term_* x;
+  const Term_* y;
+  const Term_* z;
+};
+
+TEST_F(LaFactCheckerTest, StrictnessDecidesCycles) {
+  EXPECT_TRUE(refuted({lt(x, y), lt(y, x)}));
+  EXPECT_TRUE(refuted({leq(x, y), leq(y, z), lt(z, x)}));
+  EXPECT_FALSE(refuted({leq(x, y), leq(y, z), leq(z, x)}));
+  EXPECT_TRUE(
+      refuted({lt(x, num(1)), lt(num(0), x), leq(times(2, x), num(0))}));
+  EXPECT_EQ(why({lt(x, num(1)), lt(num(0), x)}),
+            "the literals have a solution over the rationals");
+}
+
+TEST_F(LaFactCheckerTest, EqualitiesAreSubstituted) {
+  // x = y + 1, y = 2, x > 3
+  EXPECT_TRUE(refuted({eq(x, plus(y, num(1))), eq(y, num(2)), lt(num(3), x)}));
+  EXPECT_FALSE(
+      refuted({eq(x, plus(y, num(1))), eq(y, num(2)), leq(num(3), x)}));
+  // Equalities between constants alone.
+  EXPECT_TRUE(refuted({eq(plus(x, y), num(1)), eq(plus(x, y), num(2))}));
+}
+
+TEST_F(LaFactCheckerTest, DisequalitiesNeedBothSides) {
+  EXPECT_TRUE(refuted({~eq(x, y), leq(x, y), leq(y, x)}));
+  EXPECT_FALSE(refuted({~eq(x, y), leq(x, y)}));
+  // Only the second of two disequalities is forced.
+  EXPECT_TRUE(refuted(
+      {~eq(x, num(5)), ~eq(y, z), leq(minus(y, z), num(0)), leq(z, y)}));
+  EXPECT_FALSE(refuted(
+      {~eq(x, num(5)), ~eq(x, num(6)), leq(x, num(6)), leq(num(5), x)}));
+}
+
+TEST_F(LaFactCheckerTest, NumbersPastAMachineWordStayExact) {
+  // 2^70 x <= 1 and x > 2^-70 contradict; x >= 2^-70 does not.
+  const Term_* big = num("1180591620717411303424");
+  const Term_* tiny = num("1/1180591620717411303424");
+  EXPECT_TRUE(refuted({leq(tm.make_times(big, x), num(1)), lt(tiny, x)}));
+  EXPECT_FALSE(refuted({leq(tm.make_times(big, x), num(1)), leq(tiny, x)}));
+  // Products that overflow 64 bits during elimination.
+  const Term_* c = num("18446744073709551557");  // a prime near 2^64
+  EXPECT_TRUE(refuted({leq(tm.make_times(c, x), y),
+                       leq(tm.make_times(c, y), z),
+                       lt(z, tm.make_times(tm.make_times(c, c), x))}));
+}
+
+TEST_F(LaFactCheckerTest, DivisionByNumbersAndOpaqueTerms) {
+  EXPECT_TRUE(refuted({leq(tm.make_divide(x, num(2)), num(1)), lt(num(2), x)}));
+  // A product of variables is a variable of its own: sound, if weaker.
+  const Term_* xy = tm.make_times(x, y);
+  EXPECT_TRUE(refuted({leq(xy, num(0)), lt(num(1), xy)}));
+  EXPECT_FALSE(refuted({leq(xy, num(0)), leq(x, num(0)), leq(num(1), y)}));
+}
+
+TEST_F(LaFactCheckerTest, RefusesWhatItCannotRead) {
+  const Term_* p = tm.make_constant(tm.make_symbol("p", tm.get_bool_type()));
+  EXPECT_EQ(why({TheoryLit(p), lt(x, y)}),
+            "`p' is not an arithmetic comparison");
+}
+
+TEST_F(LaFactCheckerTest, EliminationStopsAtItsBound) {
+  // Each of x, y, z sits between four bounds: eliminating needs more than
+  // three rows.
+  Lits lits;
+  for (const Term_* v : {x, y, z}) {
+    for (long k = 0; k < 4; ++k) {
+      lits.push_back(leq(num(k), v));
+      lits.push_back(leq(v, num(k + 10)));
+    }
+  }
+  lits.push_back(lt(plus(x, plus(y, z)), num(0)));
+  LaFactChecker small(tm, 3);
+  EXPECT_EQ(why(lits, &small), "elimination needs more than 3 constraints");
+  EXPECT_TRUE(refuted(lits));
+}
+
+}  // namespace
+}  // namespace zenlo
