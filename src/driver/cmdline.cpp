@@ -6,7 +6,6 @@
 #include <ostream>
 #include <vector>
 
-
 namespace zenlo {
 
 namespace {
