@@ -23,6 +23,12 @@ const char* result_text(int result) {
 
 // A request the environment refuses outright (a missing service, a
 // malformed assumption) is the script's error, not an unknown answer.
+// A failed self-check (-check.*) is a fault of the solver: it must show as
+// an error, never hide in an unknown.
+bool is_internal_error(const Exception& e) {
+  return e.message().rfind("internal error", 0) == 0;
+}
+
 bool is_refused_request(const Exception& e) {
   const std::string suffix = " is not supported yet";
   const std::string& m = e.message();
@@ -125,7 +131,7 @@ int SmtLib2Interface::solve_now(const TermList* assumptions) {
   } catch (const std::bad_alloc&) {
     d_reason_unknown = "memout";
   } catch (const Exception& e) {
-    if (is_refused_request(e)) {
+    if (is_refused_request(e) || is_internal_error(e)) {
       throw;
     }
     d_reason_unknown = e.message();
