@@ -21,6 +21,12 @@ const char* result_text(int result) {
   return result > 0 ? "sat" : result == 0 ? "unsat" : "unknown";
 }
 
+// A failed self-check (-check.*) is a fault of the solver: it must show as
+// an error, never hide in an unknown.
+bool is_internal_error(const Exception& e) {
+  return e.message().rfind("internal error", 0) == 0;
+}
+
 }  // namespace
 
 void SmtLib2Interface::check_sat() {
@@ -118,6 +124,9 @@ int SmtLib2Interface::solve_now(const TermList* assumptions) {
   } catch (const Environment::bad_assumption&) {
     throw;
   } catch (const Exception& e) {
+    if (is_internal_error(e)) {
+      throw;
+    }
     d_reason_unknown = e.message();
   }
   return -1;
