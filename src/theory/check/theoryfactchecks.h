@@ -1,8 +1,9 @@
 // One independent checker per theory slot of the manager. The manager hands
 // every conflict, explanation and lemma here when -check.theory_facts is
-// on; a fact that its checker cannot refute, or a fact of a theory that has
-// no checker, is an internal error. A new theory solver therefore brings
-// its checker with it: its facts are refused until it does.
+// on; a fact of a theory that has no checker, or a fact that no checker
+// refutes (its own theory's first, then the others'), is an internal
+// error. A new theory solver therefore brings its checker with it: its
+// facts are refused until it does.
 #ifndef ZENLO_THEORY_CHECK_THEORYFACTCHECKS_H
 #define ZENLO_THEORY_CHECK_THEORYFACTCHECKS_H
 

@@ -25,6 +25,8 @@ int Solver::new_var() {
   d_is_changed.push_back(0);
   d_is_touched.push_back(0);
   d_is_candidate.push_back(0);
+  d_is_bound_changed.push_back(0);
+  d_row_marked.push_back(0);
   d_model.emplace_back();
   return x;
 }
@@ -64,6 +66,8 @@ void Solver::remove_last_var() {
   drop(d_changed, d_is_changed);
   drop(d_touched, d_is_touched);
   drop(d_candidates, d_is_candidate);
+  drop(d_bound_changed, d_is_bound_changed);
+  drop(d_rows_to_scan, d_row_marked);
 }
 
 // ---------------------------------------------------------------------------
@@ -109,9 +113,9 @@ bool Solver::push_constraint(int c) {
   if (d_inconsistent) {
     return false;
   }
-  if (rc.implied) {
-    return true;  // its bound follows from the reason's bounds
-  }
+  // An implied bound is asserted all the same: it follows from the others
+  // for every small enough delta, but the model's delta is chosen from the
+  // asserted bounds alone.
   bool ok = true;
   switch (rc.kind) {
     case BoundKind::Lower: ok = assert_lower(rc.var, rc.bound, c); break;
@@ -154,6 +158,7 @@ bool Solver::assert_lower(int x, const DNumber& b, int c) {
   lo.constraint = c;
   lo.present = true;
   touch(x);
+  note_bound_change(x);
   return true;
 }
 
@@ -175,6 +180,7 @@ bool Solver::assert_upper(int x, const DNumber& b, int c) {
   up.constraint = c;
   up.present = true;
   touch(x);
+  note_bound_change(x);
   return true;
 }
 
@@ -300,6 +306,179 @@ void Solver::push_implication(int c, int reason) {
   ++d_num_implications;
   d_cons[c].implied = true;
   ++d_stats.implications;
+}
+
+void Solver::push_implication(int c, const std::vector<int>& reason) {
+  push_implication(c, reason.empty() ? -1 : reason[0]);
+  Implication& imp = d_implications[d_num_implications - 1];
+  imp.reason.assign(reason.begin(), reason.end());
+}
+
+// ---------------------------------------------------------------------------
+// Bounds implied along rows
+// ---------------------------------------------------------------------------
+
+void Solver::note_bound_change(int x) {
+  if (d_deduction > 1 && !d_is_bound_changed[x]) {
+    d_is_bound_changed[x] = 1;
+    d_bound_changed.push_back(x);
+  }
+}
+
+bool Solver::has_open_constraints(int x) const {
+  for (int c : d_var_cons[x]) {
+    if (!d_cons[c].on_stack && !d_cons[c].implied) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Each row whose variables got tighter bounds is read as an equation
+//   0 = -basic + sum a_j * v_j
+// that bounds every one of its variables by the bounds of the others.
+// Long rows are left alone: their explanations would be as long as the
+// row, and few of them pay.
+void Solver::propagate_rows() {
+  for (int x : d_bound_changed) {
+    d_is_bound_changed[x] = 0;
+    auto mark = [this](int b) {
+      if (!d_row_marked[b]) {
+        d_row_marked[b] = 1;
+        d_rows_to_scan.push_back(b);
+      }
+    };
+    if (d_tab.is_basic(x)) {
+      mark(x);
+    } else {
+      for (const Tableau::ColEntry& ce : d_tab.column(x)) {
+        mark(d_tab.basic_of_row(ce.row));
+      }
+    }
+  }
+  d_bound_changed.clear();
+  for (int b : d_rows_to_scan) {
+    d_row_marked[b] = 0;
+    if (!d_inconsistent && d_tab.is_basic(b)
+        && d_tab.row(b).size() < kMaxPropagationRow) {
+      propagate_row(b);
+    }
+  }
+  d_rows_to_scan.clear();
+}
+
+void Solver::propagate_row(int basic) {
+  const Tableau::Row& row = d_tab.row(basic);
+  for (int i = -1; i < static_cast<int>(row.size()); ++i) {
+    int x = i < 0 ? basic : row[i].var;
+    if (!has_open_constraints(x)) {
+      continue;
+    }
+    bool has_lo = row_bound(row, basic, i, false, d_lo_bound, d_lo_reason);
+    bool has_up = row_bound(row, basic, i, true, d_up_bound, d_up_reason);
+    if (has_lo || has_up) {
+      imply_from_bounds(x,
+                        has_lo ? &d_lo_bound : nullptr,
+                        d_lo_reason,
+                        has_up ? &d_up_bound : nullptr,
+                        d_up_reason);
+    }
+  }
+}
+
+// The bound of the i-th variable of the row (-1: the basic one) that the
+// bounds of the other variables give, with their constraints in reason.
+// With c_i y_i = -sum_{k != i} c_k y_k, where c = -1 for the basic variable
+// and a_j for the others, y_i is at most (for c_i > 0) the largest value
+// of the right-hand side over c_i.
+bool Solver::row_bound(const Tableau::Row& row,
+                       int basic,
+                       int i,
+                       bool upper,
+                       DNumber& out,
+                       std::vector<int>& reason) {
+  reason.clear();
+  out = DNumber();
+  const QNumber& ci = i < 0 ? QNumber::one() : row[i].coeff;
+  // Moving to the other side: the basic variable enters with +1, each
+  // other with -a_j; dividing by c_i = -1 (basic) or a_i flips when c_i
+  // is negative in the sum's form.
+  const bool ci_neg = i < 0 ? true : ci.sign() < 0;
+  const bool want_max = upper != ci_neg;
+  for (int k = -1; k < static_cast<int>(row.size()); ++k) {
+    if (k == i) {
+      continue;
+    }
+    int y = k < 0 ? basic : row[k].var;
+    // term = -c_k y_k: +y for the basic one, -a_k y_k for the others.
+    const bool positive = k < 0 ? true : row[k].coeff.sign() < 0;
+    const Bound& b = (positive == want_max) ? d_upper[y] : d_lower[y];
+    if (!b.present || b.constraint < 0) {
+      return false;
+    }
+    if (k < 0) {
+      out += b.value;
+    } else {
+      out.addmul(b.value, row[k].coeff.neg());
+    }
+    reason.push_back(b.constraint);
+  }
+  // c_i = -1 for the basic variable, a_i otherwise.
+  if (i < 0) {
+    out = -out;
+  } else {
+    out /= ci;
+  }
+  return true;
+}
+
+void Solver::imply_from_bounds(int x,
+                               const DNumber* lo,
+                               const std::vector<int>& lo_reason,
+                               const DNumber* up,
+                               const std::vector<int>& up_reason) {
+  for (int o : d_var_cons[x]) {
+    const RangeConstraint& oc = d_cons[o];
+    if (oc.on_stack || oc.implied) {
+      continue;
+    }
+    const std::vector<int>* reason = nullptr;
+    switch (oc.kind) {
+      case BoundKind::Lower:
+        if (lo != nullptr && *lo >= oc.bound) {
+          reason = &lo_reason;
+        }
+        break;
+      case BoundKind::Upper:
+        if (up != nullptr && *up <= oc.bound) {
+          reason = &up_reason;
+        }
+        break;
+      case BoundKind::Equal:
+        if (lo != nullptr && up != nullptr && *lo >= oc.bound
+            && *up <= oc.bound) {
+          d_both_reason.assign(lo_reason.begin(), lo_reason.end());
+          d_both_reason.insert(
+              d_both_reason.end(), up_reason.begin(), up_reason.end());
+          std::sort(d_both_reason.begin(), d_both_reason.end());
+          d_both_reason.erase(
+              std::unique(d_both_reason.begin(), d_both_reason.end()),
+              d_both_reason.end());
+          reason = &d_both_reason;
+        }
+        break;
+      case BoundKind::Diseq:
+        if (lo != nullptr && *lo > oc.bound) {
+          reason = &lo_reason;
+        } else if (up != nullptr && *up < oc.bound) {
+          reason = &up_reason;
+        }
+        break;
+    }
+    if (reason != nullptr) {
+      push_implication(o, *reason);
+    }
+  }
 }
 
 bool Solver::next_implied(int& c) {

@@ -156,6 +156,9 @@ class Solver {
   const Stats& stats() const { return d_stats; }
 
  private:
+  // Rows with this many nonbasic entries or more give no implied bounds.
+  static constexpr size_t kMaxPropagationRow = 10;
+
   struct Bound {
     DNumber value;
     int constraint = -1;  // -1: a temporary bound of a disequality split
@@ -195,6 +198,22 @@ class Solver {
   void touch(int x);
   void try_trivial_implications(int c);
   void push_implication(int c, int reason);
+  void push_implication(int c, const std::vector<int>& reason);
+  void note_bound_change(int x);
+  void propagate_rows();
+  void propagate_row(int basic);
+  bool has_open_constraints(int x) const;
+  bool row_bound(const Tableau::Row& row,
+                 int basic,
+                 int i,
+                 bool upper,
+                 DNumber& out,
+                 std::vector<int>& reason);
+  void imply_from_bounds(int x,
+                         const DNumber* lo,
+                         const std::vector<int>& lo_reason,
+                         const DNumber* up,
+                         const std::vector<int>& up_reason);
 
   // ---- Checking ------------------------------------------------------------
   bool do_check();
@@ -239,6 +258,17 @@ class Solver {
   size_t d_num_implications = 0;  // live prefix; the rest is for reuse
   size_t d_impl_cursor = 0;
   std::vector<int> d_impl_index;  // constraint -> implication, -1
+
+  // Variables whose bounds tightened since the rows were last scanned.
+  std::vector<int> d_bound_changed;
+  std::vector<uint8_t> d_is_bound_changed;
+  std::vector<int> d_rows_to_scan;  // by basic variable
+  std::vector<uint8_t> d_row_marked;
+  std::vector<int> d_lo_reason;
+  std::vector<int> d_up_reason;
+  std::vector<int> d_both_reason;
+  DNumber d_lo_bound;
+  DNumber d_up_bound;
 
   std::vector<int> d_conflict;
   std::vector<QNumber> d_conflict_coeffs;

@@ -216,6 +216,9 @@ bool Solver::check(bool approx) {
   ++d_stats.checks;
   d_unresolved = -1;
   bool ok = do_check();
+  if (ok && d_deduction > 1) {
+    propagate_rows();
+  }
   if (ok && !approx && !d_diseqs.empty()) {
     ok = check_disequalities();
   }

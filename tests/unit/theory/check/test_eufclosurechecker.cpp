@@ -123,7 +123,7 @@ TEST(TheoryFactChecksTest, FailuresAreInternalErrorsNamingTheFact) {
   }
   // A theory without a checker has its facts refused.
   EXPECT_THROW(
-      checks.check(1, "LA", TheoryFact{TheoryFactKind::Lemma, ok, nullptr}),
+      checks.check(3, "FP", TheoryFact{TheoryFactKind::Lemma, ok, nullptr}),
       TheoryFactChecks::error);
 }
 

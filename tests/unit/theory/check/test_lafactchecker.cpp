@@ -8,6 +8,8 @@
 
 #include "terms/termmanager.h"
 #include "theory/check/lafactchecker.h"
+#include "theory/check/theoryfactchecks.h"
+#include "theory/theoryowner.h"
 
 namespace zenlo {
 namespace {
@@ -140,6 +142,21 @@ TEST_F(LaFactCheckerTest, EliminationStopsAtItsBound) {
   LaFactChecker small(tm, 3);
   EXPECT_EQ(why(lits, &small), "elimination needs more than 3 constraints");
   EXPECT_TRUE(refuted(lits));
+}
+
+// EUF derives a = b from a = 0 and b = 0; the normalizer writes a = b of
+// two sums as a - b = 0, which only arithmetic can read.
+TEST_F(LaFactCheckerTest, EufFactsOverSumsAreReadAsArithmetic) {
+  TheoryFactChecks checks(tm, 6);
+  const int euf = static_cast<int>(TheoryId::Euf);
+  const Term_* a = plus(x, y);
+  const Term_* b = plus(x, z);
+  Lits valid{eq(a, num(0)), eq(b, num(0)), ~eq(minus(y, z), num(0))};
+  TheoryFact fact{TheoryFactKind::Lemma, valid, nullptr};
+  EXPECT_NO_THROW(checks.check(euf, "EUF", fact));
+  Lits wrong{eq(a, num(0)), eq(b, num(1)), ~eq(minus(y, z), num(0))};
+  TheoryFact bad{TheoryFactKind::Lemma, wrong, nullptr};
+  EXPECT_THROW(checks.check(euf, "EUF", bad), TheoryFactChecks::error);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 // numbers, and a random cross-check of every answer.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -244,6 +245,39 @@ TEST(LaSolver, ImplicationsFollowTheStack) {
   EXPECT_FALSE(p.s.next_implied(c));
 }
 
+// s = x + y: bounds on x and y bound s, and bounds on s and y bound x.
+TEST(LaSolver, RowsImplyBoundsOfEachOfTheirVariables) {
+  Problem p;
+  int x = p.var(), y = p.var();
+  int s = p.slack({{x, 1L}, {y, 1L}});
+  int x_ge1 = p.bound(x, BoundKind::Lower, 1L);
+  int y_ge2 = p.bound(y, BoundKind::Lower, 2L);
+  int s_ge3 = p.bound(s, BoundKind::Lower, 3L);
+  int s_gt3 = p.bound(s, BoundKind::Lower, DNumber(3L, 1L));
+  int s_le3 = p.bound(s, BoundKind::Upper, 3L);
+  int x_le1 = p.bound(x, BoundKind::Upper, 1L);
+  int x_lt1 = p.bound(x, BoundKind::Upper, DNumber(1L, -1L));
+  p.s.push_constraint(x_ge1);
+  p.s.push_constraint(y_ge2);
+  ASSERT_TRUE(p.s.check(true));
+  EXPECT_TRUE(p.s.is_implied(s_ge3));
+  std::vector<int> reason = p.s.implication_reason(s_ge3);
+  std::sort(reason.begin(), reason.end());
+  EXPECT_EQ(reason, (std::vector<int>{x_ge1, y_ge2}));
+  EXPECT_FALSE(p.s.is_implied(s_gt3));
+  // x + y <= 3 and y >= 2 give x <= 1, not x < 1.
+  p.s.push_constraint(s_le3);
+  ASSERT_TRUE(p.s.check(true));
+  EXPECT_TRUE(p.s.is_implied(x_le1));
+  EXPECT_FALSE(p.s.is_implied(x_lt1));
+  reason = p.s.implication_reason(x_le1);
+  std::sort(reason.begin(), reason.end());
+  EXPECT_EQ(reason, (std::vector<int>{y_ge2, s_le3}));
+  p.s.pop_constraint();
+  EXPECT_FALSE(p.s.is_implied(x_le1));
+  EXPECT_TRUE(p.s.is_implied(s_ge3));
+}
+
 TEST(LaSolver, NoImplicationsWithoutDeduction) {
   Solver s(0, 0);
   int x = s.new_var();
@@ -315,9 +349,32 @@ TEST(LaSolver, RandomCrossCheck) {
       DNumber b(static_cast<long>(rng() % 11) - 5,
                 static_cast<long>(rng() % 3) - 1);
       int c = p.bound(x, k, b);
+      // Now and then an older constraint instead, often an implied one:
+      // its bound must hold in the model as much as a fresh one's.
+      if (rng() % 3 == 0) {
+        int old = static_cast<int>(rng() % p.cons.size());
+        if (!p.s.is_on_stack(old)) {
+          c = old;
+        }
+      }
       bool ok = p.s.push_constraint(c) && p.s.check(rng() % 2);
       if (ok) {
         p.expect_model();
+        // What the pushed bounds imply holds in their abstract solution
+        // (a concrete delta is chosen for the pushed bounds alone).
+        for (size_t k = 0; k < p.cons.size(); ++k) {
+          if (!p.s.is_implied(static_cast<int>(k))) {
+            continue;
+          }
+          const Problem::Con& ic = p.cons[k];
+          const DNumber& v = p.s.get_abstract_value(ic.var);
+          switch (ic.kind) {
+            case BoundKind::Lower: EXPECT_GE(v, ic.bound); break;
+            case BoundKind::Upper: EXPECT_LE(v, ic.bound); break;
+            case BoundKind::Equal: EXPECT_EQ(v, ic.bound); break;
+            case BoundKind::Diseq: EXPECT_NE(v, ic.bound); break;
+          }
+        }
       } else {
         p.expect_farkas();
       }
