@@ -455,19 +455,16 @@ void SmtLibTermParser::pop_let_namespace() {
   }
 }
 
+// A let may shadow anything, declared symbols and definitions included:
+// bindings are looked up first. Only one let binding a name twice is an
+// error.
 void SmtLibTermParser::define_let_binding(std::string_view name,
                                           const Term_* term,
                                           bool is_function_argument) {
-  auto taken = [&] {
-    return perror("symbol `" + std::string(name) + "' already defined");
-  };
-  if (!is_function_argument
-      && (find_user_symbol(name) != nullptr || d_defs.contains(name))) {
-    throw taken();
-  }
+  (void)is_function_argument;
   NameStack* s = name_stack(d_lets, name);
   if (!s->entries.empty() && s->entries.back().level == d_let_depth) {
-    throw taken();
+    throw perror("symbol `" + std::string(name) + "' already defined");
   }
   s->entries.push_back(NameStack::Entry{term, d_let_depth, ++d_stamp});
   d_let_names.push_back(s);

@@ -37,7 +37,7 @@ const std::pair<const char*, const char*> kExpectedFailures[] = {
     {"", "ERROR: fprat argument 2 must be"},
     {"", "unsupported rounding mode: "},
     {"fold-below-symfpu-floor", "too small exponent and/or mantissa"},
-    // Names: let over a declared name, overloading, names of numbers, the
+    // Names: a let binding a name twice, overloading, names of numbers, the
     // empty symbol, fp as a user name outside FP logics.
     {"", "already defined"},
     {"", "A symbol with name `"},

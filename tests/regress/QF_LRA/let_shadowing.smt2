@@ -1,0 +1,20 @@
+; A let may shadow declared constants, defined functions and outer lets;
+; the bindings of one let are parallel. Refusing the binding dropped the
+; assertion and answered sat.
+(set-option :produce-models true)
+(set-logic QF_LRA)
+(declare-fun x () Real)
+(declare-fun y () Real)
+(define-fun f ((x Real)) Real (+ x 1))
+(assert (>= x 0))
+(assert (let ((x (< x 0))) (not x)))
+(assert (let ((x y) (y x)) (< x y)))
+(assert (let ((f (f x))) (> f 3)))
+(assert (let ((x (+ x 1))) (let ((x (* 2 x))) (= x 10))))
+(check-sat)
+(push 1)
+(assert (let ((x (< x 0))) x))
+(check-sat)
+(pop 1)
+(assert (let ((x (< x 0)) (y x)) (and (not x) (> y 3))))
+(check-sat)
