@@ -176,6 +176,7 @@ void SmtLib2Interface::init_env() {
   if (d_limits != nullptr) {
     d_env->set_termination_test(d_limits.get());
   }
+  d_env_fresh = true;
 }
 
 TermManager& SmtLib2Interface::term_manager() {

@@ -287,7 +287,7 @@ class SmtLib2Interface : public ToplevelInterface,
 
   // Options and info (smtlib2interface_options.cpp).
   void fill_info_table();
-  void too_late(const std::string& option) const;
+  bool too_late(const std::string& option);
   void set_config_option(const std::string& smt_name,
                          const std::string& name,
                          const std::string& value);
@@ -353,6 +353,9 @@ class SmtLib2Interface : public ToplevelInterface,
   std::string d_status;    // from :status, empty when unknown
   std::string d_reason_unknown;
   bool d_model_available = false;
+  // Nothing lives on the environment yet: no name, assertion, level or
+  // check since it was made.
+  bool d_env_fresh = false;
   std::map<std::string, std::string> d_info;
   // Names declared since the start and since each push; "" marks a push.
   std::vector<std::string> d_function_scopes;

@@ -88,6 +88,7 @@ const Term_* SmtLib2Interface::assumption_proxy(const Term_* formula) {
 }
 
 void SmtLib2Interface::run_check(const TermList* assumptions) {
+  d_env_fresh = false;
   init_env();
   install_termination_test();
   d_model_available = false;

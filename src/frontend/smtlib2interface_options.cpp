@@ -136,18 +136,40 @@ void SmtLib2Interface::set_logic(const std::string& name) {
 // set-option
 // ---------------------------------------------------------------------------
 
-void SmtLib2Interface::too_late(const std::string& option) const {
-  if (d_env != nullptr) {
+// Scripts often set options right after set-logic. While nothing lives on
+// the environment it is dropped, and the caller builds it again with the
+// new setting; after that the setting is refused.
+// Returns: whether the environment was dropped.
+bool SmtLib2Interface::too_late(const std::string& option) {
+  if (d_env == nullptr) {
+    return false;
+  }
+  if (!d_env_fresh) {
     throw error("too late for setting " + option);
   }
+  d_printer.reset();
+  d_sorts.reset();
+  d_terms.reset();
+  d_env.reset();
+  return true;
 }
 
 void SmtLib2Interface::set_config_option(const std::string& smt_name,
                                          const std::string& name,
                                          const std::string& value) {
-  too_late(smt_name);
-  d_setter->set_option(name, value, ConfigurationSetter::kUserPriority);
+  const bool rebuild = too_late(smt_name);
   d_config_read = false;
+  try {
+    d_setter->set_option(name, value, ConfigurationSetter::kUserPriority);
+  } catch (...) {
+    if (rebuild) {
+      init_env();
+    }
+    throw;
+  }
+  if (rebuild) {
+    init_env();
+  }
 }
 
 void SmtLib2Interface::set_option(const std::string& name, long value) {
@@ -267,7 +289,7 @@ void SmtLib2Interface::set_channel(const std::string& option,
 // ":config" "a=1,b.c=2": the items go to the setter, under the command
 // line's own settings, and reach the configuration with the environment.
 void SmtLib2Interface::set_config_list(const std::string& value) {
-  too_late(":config");
+  const bool rebuild = too_late(":config");
   std::istringstream items(value);
   std::string item;
   try {
@@ -280,9 +302,16 @@ void SmtLib2Interface::set_config_list(const std::string& value) {
           item.substr(0, eq), item.substr(eq + 1), kConfigAttributePriority);
     }
   } catch (const Exception&) {
+    d_config_read = false;
+    if (rebuild) {
+      init_env();
+    }
     throw error("bad value for :config option: " + value);
   }
   d_config_read = false;
+  if (rebuild) {
+    init_env();
+  }
 }
 
 bool SmtLib2Interface::set_dotted_option(const std::string& name,
@@ -296,13 +325,19 @@ bool SmtLib2Interface::set_dotted_option(const std::string& name,
   if (opt->kind == OptionParser::Kind::Bool && (value == "0" || value == "1")) {
     text = bool_text(value == "1");
   }
-  too_late(name);
+  const bool rebuild = too_late(name);
+  d_config_read = false;
   try {
     d_setter->set_option(key, text, ConfigurationSetter::kUserPriority);
   } catch (const Exception& e) {
+    if (rebuild) {
+      init_env();
+    }
     throw error(e.message());
   }
-  d_config_read = false;
+  if (rebuild) {
+    init_env();
+  }
   return true;
 }
 

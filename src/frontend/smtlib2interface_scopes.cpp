@@ -18,6 +18,7 @@ using perror = ParserInterface::error;
 
 void SmtLib2Interface::declare_function(const std::string& name,
                                         const Type* type) {
+  d_env_fresh = false;
   TermManager& tm = term_manager();
   // A repeated declaration with the same type gives the old symbol, which
   // belongs to the scope that made it first.
@@ -31,6 +32,7 @@ void SmtLib2Interface::declare_function(const std::string& name,
 void SmtLib2Interface::define_function(const std::string& name,
                                        const Type* sort,
                                        const Term_* body) {
+  d_env_fresh = false;
   define_function(name, TermList(), sort, body);
 }
 
@@ -38,6 +40,7 @@ void SmtLib2Interface::define_function(const std::string& name,
                                        const TermList& params,
                                        const Type* sort,
                                        const Term_* body) {
+  d_env_fresh = false;
   TermManager& tm = term_manager();
   if (!tm.is_subtype(body->get_type(), sort)) {
     throw perror("the body of `" + name + "' has type "
@@ -49,6 +52,7 @@ void SmtLib2Interface::define_function(const std::string& name,
 }
 
 void SmtLib2Interface::declare_sort(const std::string& name, size_t arity) {
+  d_env_fresh = false;
   init_env();
   declaring([&] { d_sorts->declare_sort(name, arity); });
   record_sort(name);
@@ -56,6 +60,7 @@ void SmtLib2Interface::declare_sort(const std::string& name, size_t arity) {
 
 void SmtLib2Interface::declare_enum_sort(
     const std::string& name, const std::vector<std::string>& values) {
+  d_env_fresh = false;
   init_env();
   declaring([&] { d_sorts->declare_enum_sort(name, values); });
   record_sort(name);
@@ -64,6 +69,7 @@ void SmtLib2Interface::declare_enum_sort(
 void SmtLib2Interface::define_sort(const std::string& name,
                                    const std::vector<std::string>& params,
                                    const Type* sort) {
+  d_env_fresh = false;
   init_env();
   declaring([&] { d_sorts->define_sort(name, params, sort); });
   record_sort(name);
@@ -86,6 +92,7 @@ void SmtLib2Interface::record_sort(const std::string& name) {
 // ---------------------------------------------------------------------------
 
 void SmtLib2Interface::assert_formula(const Term_* term) {
+  d_env_fresh = false;
   init_env();
   d_model_available = false;
   d_env->assert_formula(term);
@@ -109,6 +116,7 @@ const Term_* SmtLib2Interface::annotate_term(const Term_* term,
 
 void SmtLib2Interface::define_named_term(const std::string& name,
                                          const Term_* term) {
+  d_env_fresh = false;
   if (d_terms->has_binding(name) || term_manager().find_symbol(name) != nullptr
       || d_terms->is_builtin(name)) {
     throw perror("name `" + name + "' already used");
@@ -133,6 +141,7 @@ void SmtLib2Interface::set_interpolation_group(const std::string& name) {
 // ---------------------------------------------------------------------------
 
 void SmtLib2Interface::push(size_t n) {
+  d_env_fresh = false;
   if (n < 1) {
     throw error("invalid argument in push");
   }

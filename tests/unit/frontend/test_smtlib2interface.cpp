@@ -288,9 +288,11 @@ TEST(SmtLib2InterfaceTest, OptionsAreSetReadAndRefusedTooLate) {
       "(set-option :printer.model_as_formula true)(set-option :no-such 1)"
       "(get-option :no-such)(set-logic QF_UF)(set-logic QF_UF)"
       "(get-option :dpll.restart_initial)(get-option :dpll.restart_strategy)"
-      "(get-option :printer.model_as_formula)(set-option :random-seed 3)"
-      "(declare-const q Bool)(set-option :global-decls true)"
-      "(set-option :config \"verbosity=1\")");
+      "(get-option :printer.model_as_formula)"
+      // Right after set-logic nothing is lost by building anew.
+      "(set-option :produce-models false)(get-option :produce-models)"
+      "(declare-const q Bool)(set-option :random-seed 3)"
+      "(set-option :global-decls true)(set-option :config \"verbosity=1\")");
   EXPECT_EQ(out,
             "false\ntrue\n1.5\nnone\n"
             "(error \"invalid value for :timeout option\")\n"
@@ -298,7 +300,7 @@ TEST(SmtLib2InterfaceTest, OptionsAreSetReadAndRefusedTooLate) {
             "(error \"bad value for :config option: nonsense\")\n"
             "unsupported\nunsupported\n"
             "(error \"set-logic is invalid at this point\")\n"
-            "77\n1\ntrue\n"
+            "77\n1\ntrue\nfalse\n"
             "(error \"too late for setting :random-seed\")\n"
             "(error \"too late for setting :global-declarations\")\n"
             "(error \"too late for setting :config\")\n");
