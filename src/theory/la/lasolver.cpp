@@ -100,6 +100,13 @@ void Solver::retract_bound(int c) {
   list.erase(std::find(list.begin(), list.end(), c));
   rc.var = -1;
   rc.implied = false;
+  // Its implication may outlive it (the reasons stay pushed), and the
+  // number c may be told again for another bound: the entry stays in
+  // place, dead, until the reasons go.
+  if (d_impl_index[c] >= 0) {
+    d_implications[d_impl_index[c]].constraint = -1;
+    d_impl_index[c] = -1;
+  }
 }
 
 // ---------------------------------------------------------------------------
@@ -247,8 +254,10 @@ int Solver::pop_constraint() {
          && d_implications[d_num_implications - 1].stack_size
                 > d_stack.size()) {
     Implication& imp = d_implications[--d_num_implications];
-    d_cons[imp.constraint].implied = false;
-    d_impl_index[imp.constraint] = -1;
+    if (imp.constraint >= 0) {
+      d_cons[imp.constraint].implied = false;
+      d_impl_index[imp.constraint] = -1;
+    }
   }
   d_impl_cursor = std::min(d_impl_cursor, d_num_implications);
   return p.constraint;
@@ -482,11 +491,13 @@ void Solver::imply_from_bounds(int x,
 }
 
 bool Solver::next_implied(int& c) {
-  if (d_impl_cursor >= d_num_implications) {
-    return false;
+  while (d_impl_cursor < d_num_implications) {
+    c = d_implications[d_impl_cursor++].constraint;
+    if (c >= 0) {
+      return true;
+    }
   }
-  c = d_implications[d_impl_cursor++].constraint;
-  return true;
+  return false;
 }
 
 const std::vector<int>& Solver::implication_reason(int c) const {

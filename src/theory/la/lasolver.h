@@ -186,7 +186,7 @@ class Solver {
   };
 
   struct Implication {
-    int constraint;
+    int constraint;     // -1 once retracted
     size_t stack_size;  // valid while at least this many are pushed
     std::vector<int> reason;
   };

@@ -278,6 +278,33 @@ TEST(LaSolver, RowsImplyBoundsOfEachOfTheirVariables) {
   EXPECT_TRUE(p.s.is_implied(s_ge3));
 }
 
+// An implied constraint may be retracted while its reason stays pushed,
+// and its number told again for another bound: the old implication must
+// neither be reported for it nor clear a new one when the reason goes.
+TEST(LaSolver, RetractedImpliedConstraintsLeaveNoImplication) {
+  Solver s(2, 0);
+  int x = s.new_var(), y = s.new_var();
+  s.tell_bound(0, x, BoundKind::Upper, 5L);
+  s.tell_bound(1, x, BoundKind::Upper, 2L);
+  ASSERT_TRUE(s.push_constraint(1));
+  ASSERT_TRUE(s.is_implied(0));
+  s.retract_bound(0);
+  s.tell_bound(0, y, BoundKind::Lower, 1L);
+  EXPECT_FALSE(s.is_implied(0));
+  int c;
+  EXPECT_FALSE(s.next_implied(c));
+  EXPECT_THROW(s.implication_reason(0), Solver::error);
+  // Now implied for real, by a bound on y.
+  s.tell_bound(2, y, BoundKind::Lower, 3L);
+  ASSERT_TRUE(s.push_constraint(2));
+  ASSERT_TRUE(s.next_implied(c));
+  EXPECT_EQ(c, 0);
+  EXPECT_EQ(s.implication_reason(0), std::vector<int>{2});
+  s.pop_constraint();
+  s.pop_constraint();
+  EXPECT_FALSE(s.is_implied(0));
+}
+
 TEST(LaSolver, NoImplicationsWithoutDeduction) {
   Solver s(0, 0);
   int x = s.new_var();
