@@ -188,8 +188,8 @@ TEST_F(LaFactCheckerTest, BranchLemmasAreValidOverIntegersOnly) {
 
 TEST_F(LaFactCheckerTest, IntegerEqualitiesWithoutSolutions) {
   EXPECT_TRUE(refuted({eq(plus(times(2, i), times(2, j)), num(1))}));
-  EXPECT_TRUE(refuted(
-      {eq(plus(times(3, i), plus(times(6, j), times(9, k))), num(5))}));
+  EXPECT_TRUE(
+      refuted({eq(plus(times(3, i), plus(times(6, j), times(9, k))), num(5))}));
   EXPECT_FALSE(refuted({eq(plus(times(2, x), times(2, y)), num(1))}));
   // Each alone is solvable (gcd 1), together 6k = 3 is not; no unit
   // coefficient anywhere, so solving needs fresh variables.
@@ -203,8 +203,9 @@ TEST_F(LaFactCheckerTest, IntegerEqualitiesWithoutSolutions) {
   EXPECT_FALSE(refuted({eq(s, num(1)), leq(num(3), i), leq(i, num(7))}));
   // Coefficients past 64 bits: 2^65 i + 2^65 j = 2^64 has no solution.
   const Term_* two65 = num("36893488147419103232");
-  EXPECT_TRUE(refuted({eq(plus(tm.make_times(two65, i), tm.make_times(two65, j)),
-                          num("18446744073709551616"))}));
+  EXPECT_TRUE(
+      refuted({eq(plus(tm.make_times(two65, i), tm.make_times(two65, j)),
+                  num("18446744073709551616"))}));
 }
 
 TEST_F(LaFactCheckerTest, IntegerDisequalitiesSplitAroundTheValue) {

@@ -145,8 +145,8 @@ TEST_F(LaIntTest, EqualitiesWithoutIntegerSolutionConflictAlone) {
   TheoryLit e1 =
       assert_lit(tm.make_equal(plus(times(3, x), times(5, y)), num(1)));
   assert_lit(tm.make_leq(z, num(100)));
-  TheoryLit e2 = assert_lit(tm.make_equal(
-      plus(plus(times(3, x), times(5, y)), times(6, z)), num(4)));
+  TheoryLit e2 = assert_lit(
+      tm.make_equal(plus(plus(times(3, x), times(5, y)), times(6, z)), num(4)));
   EXPECT_TRUE(la.check(true));
   EXPECT_FALSE(la.check(false));
   std::vector<TheoryLit> conflict;
