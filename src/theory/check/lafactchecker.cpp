@@ -47,6 +47,18 @@ class Rat {
 
   int sign() const { return mpq_sgn(d_v); }
 
+  bool is_integer() const { return mpz_cmp_ui(mpq_denref(d_v), 1) == 0; }
+
+  Rat floor() const {
+    Rat r;  // 0/1: setting the numerator alone keeps it canonical
+    mpz_fdiv_q(mpq_numref(r.d_v), mpq_numref(d_v), mpq_denref(d_v));
+    return r;
+  }
+
+  const mpq_t& get() const { return d_v; }
+
+  mpq_t& get() { return d_v; }
+
   bool is_zero() const { return sign() == 0; }
 
   int compare(const Rat& o) const { return mpq_cmp(d_v, o.d_v); }
@@ -135,6 +147,8 @@ enum class Outcome { Refuted, Consistent, TooLarge };
 class Reader {
  public:
   explicit Reader(const TermManager& tm) : d_tm(tm) {}
+
+  const std::vector<bool>& int_vars() const { return d_is_int; }
 
   // Returns: false when the literal is not an arithmetic comparison.
   bool read(TheoryLit lit, Row& row) {
@@ -249,7 +263,9 @@ class Reader {
 
   int var(const Term_* t) {
     auto [it, fresh] = d_vars.emplace(t, static_cast<int>(d_vars.size()));
-    (void)fresh;
+    if (fresh) {
+      d_is_int.push_back(d_tm.is_integer_type(t->get_type()));
+    }
     return it->second;
   }
 
@@ -263,15 +279,88 @@ class Reader {
 
   const TermManager& d_tm;
   std::unordered_map<const Term_*, int> d_vars;
+  std::vector<bool> d_is_int;  // by variable: the term has sort Int
+};
+
+// Integers. A row whose variables all have sort Int takes integer values
+// on its sum once its coefficients are scaled to integers, so its constant
+// may be rounded: over the integers, sum + k <= 0 with coprime integer
+// coefficients is sum + ceil(k) <= 0, sum + k < 0 is sum + floor(k) + 1 <= 0,
+// and sum + k = 0 has no solution unless k is an integer. Every row here,
+// given or derived, holds at every integer solution, so rounding any of
+// them is sound. Equalities over integers are solved without leaving the
+// integers: for a unit coefficient directly, otherwise by writing the
+// variable with the smallest coefficient a as an integer combination of
+// the others plus a fresh integer variable, which leaves the equality with
+// coefficients below a; the integer solutions correspond one to one.
+class Integers {
+ public:
+  explicit Integers(std::vector<bool> is_int) : d_is_int(std::move(is_int)) {}
+
+  bool all_int(const Row& r) const {
+    for (const auto& entry : r.coef) {
+      if (!d_is_int[entry.first]) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  int fresh() {
+    d_is_int.push_back(true);
+    return static_cast<int>(d_is_int.size()) - 1;
+  }
+
+  bool is_int(int x) const { return d_is_int[x]; }
+
+  // Returns: false when the row has no integer solution.
+  bool round(Row& r) const {
+    if (r.coef.empty() || r.rel == Rel::Ne || !all_int(r)) {
+      return true;
+    }
+    mpz_t l, g, t;
+    mpz_init_set_ui(l, 1);
+    mpz_init_set_ui(g, 0);
+    mpz_init(t);
+    for (const auto& entry : r.coef) {
+      mpz_lcm(l, l, mpq_denref(entry.second.get()));
+    }
+    for (const auto& entry : r.coef) {
+      mpz_divexact(t, l, mpq_denref(entry.second.get()));
+      mpz_mul(t, t, mpq_numref(entry.second.get()));
+      mpz_gcd(g, g, t);
+    }
+    Rat factor;
+    mpq_set_num(factor.get(), l);
+    mpq_set_den(factor.get(), g);
+    mpq_canonicalize(factor.get());
+    mpz_clears(l, g, t, nullptr);
+    r.scale(factor);
+    switch (r.rel) {
+      case Rel::Eq: return r.k.is_integer();
+      case Rel::Le: r.k = r.k.neg().floor().neg(); break;
+      case Rel::Lt:
+        r.k = r.k.floor();
+        r.k.add_mul(Rat(1), Rat(1));
+        r.rel = Rel::Le;
+        break;
+      case Rel::Ne: break;
+    }
+    return true;
+  }
+
+ private:
+  std::vector<bool> d_is_int;
 };
 
 class Eliminator {
  public:
-  explicit Eliminator(size_t max_rows) : d_max_rows(max_rows) {}
+  Eliminator(size_t max_rows, Integers ints)
+      : d_max_rows(max_rows), d_ints(std::move(ints)) {}
 
   // Requires: no row is a disequality.
   Outcome decide(std::vector<Row> rows) {
-    if (!solve_equalities(rows)) {
+    if (!round_all(rows) || !solve_equalities(rows) || !round_all(rows)) {
       return Outcome::Refuted;
     }
     while (true) {
@@ -288,36 +377,106 @@ class Eliminator {
   }
 
  private:
-  // Each equality with a variable solves for it, and the others get the
-  // solution substituted.
-  static bool solve_equalities(std::vector<Row>& rows) {
+  bool round_all(std::vector<Row>& rows) const {
+    for (Row& r : rows) {
+      if (!d_ints.round(r)) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  // r := r with x replaced, where def is a row whose x-coefficient is -1
+  // and which reads  (expression for x) - x = 0.
+  static void substitute(Row& r, int x, const Row& def) {
+    auto it = r.coef.find(x);
+    if (it != r.coef.end()) {
+      Rat a = it->second;
+      r.add_scaled(def, a);
+    }
+  }
+
+  // Each equality solves for one of its variables, which is then
+  // substituted everywhere; over integers the equality keeps its row
+  // until a unit coefficient appears (see Integers).
+  bool solve_equalities(std::vector<Row>& rows) {
     for (size_t i = 0; i < rows.size();) {
       if (rows[i].rel != Rel::Eq) {
         ++i;
         continue;
       }
-      Row eq = std::move(rows[i]);
-      rows[i] = std::move(rows.back());
-      rows.pop_back();
-      if (eq.coef.empty()) {
-        if (!eq.holds()) {
+      if (!d_ints.round(rows[i])) {
+        return false;
+      }
+      if (rows[i].coef.empty()) {
+        if (!rows[i].holds()) {
           return false;
         }
+        rows[i] = std::move(rows.back());
+        rows.pop_back();
         continue;
       }
-      const auto& [x, a] = *eq.coef.begin();
-      int var = x;
-      Rat pivot = a;
-      for (Row& r : rows) {
-        auto it = r.coef.find(var);
-        if (it != r.coef.end()) {
-          Rat factor = (it->second / pivot).neg();
-          r.add_scaled(eq, factor);
+      int x = pivot(rows[i]);
+      Rat a = rows[i].coef.at(x);
+      if (!d_ints.all_int(rows[i]) || a.abs().compare(Rat(1)) == 0) {
+        Row eq = std::move(rows[i]);
+        rows[i] = std::move(rows.back());
+        rows.pop_back();
+        eq.scale((Rat(1) / a).neg());  // now reads  expr - x = 0
+        for (Row& r : rows) {
+          substitute(r, x, eq);
         }
+        i = 0;
+        continue;
       }
-      i = 0;
+      Row def = decompose(rows[i], x);
+      for (Row& r : rows) {
+        substitute(r, x, def);
+      }
     }
     return true;
+  }
+
+  // The variable to solve for: a real one where there is one (solving
+  // for an integer would forget its integrality), else one with the
+  // smallest absolute coefficient.
+  int pivot(const Row& eq) const {
+    int best = -1;
+    Rat best_abs;
+    for (const auto& [x, c] : eq.coef) {
+      if (!d_ints.is_int(x)) {
+        return x;
+      }
+      if (best < 0 || c.abs().compare(best_abs) < 0) {
+        best = x;
+        best_abs = c.abs();
+      }
+    }
+    return best;
+  }
+
+  // For a x + sum b_i y_i + k = 0 with integer coefficients and a > 1:
+  // x = t - sum floor(b_i / a) y_i - floor(k / a), t a fresh integer.
+  // Returns: that definition as a row  (expression for x) - x = 0.
+  Row decompose(Row& eq, int x) {
+    if (eq.coef.at(x).sign() < 0) {
+      eq.scale(Rat(-1));
+    }
+    Rat a = eq.coef.at(x);
+    Row def;
+    def.rel = Rel::Eq;
+    def.coef[x] = Rat(-1);
+    def.coef[d_ints.fresh()] = Rat(1);
+    for (const auto& [y, b] : eq.coef) {
+      if (y != x) {
+        Rat q = (b / a).floor();
+        if (!q.is_zero()) {
+          def.coef[y] = q.neg();
+        }
+      }
+    }
+    def.k = (eq.k / a).floor().neg();
+    return def;
   }
 
   static bool drop_constants(std::vector<Row>& rows) {
@@ -375,6 +534,7 @@ class Eliminator {
         r.scale(n.coef.at(best).abs());
         r.add_scaled(n, p.coef.at(best));
         r.rel = (p.rel == Rel::Lt || n.rel == Rel::Lt) ? Rel::Lt : Rel::Le;
+        d_ints.round(r);
         out.push_back(std::move(r));
       }
     }
@@ -409,6 +569,7 @@ class Eliminator {
   }
 
   size_t d_max_rows;
+  Integers d_ints;
 };
 
 }  // namespace
@@ -424,7 +585,7 @@ std::string LaFactChecker::check(const TheoryFact& fact) {
     }
     (row.rel == Rel::Ne ? diseqs : base).push_back(std::move(row));
   }
-  Eliminator elim(d_max_rows);
+  Eliminator elim(d_max_rows, Integers(reader.int_vars()));
   Outcome outcome = elim.decide(base);
   // t != 0 is refuted when the rest refutes t < 0 and t > 0 alike.
   for (size_t i = 0; outcome != Outcome::Refuted && i < diseqs.size(); ++i) {

@@ -9,8 +9,15 @@
 // It shares nothing with the simplex, its tableau or its number fast paths:
 // slow and plain on purpose. Any subterm that is not a sum, a product by a
 // number, a division by a number or a number is an opaque variable; that
-// only weakens the literals, so a refutation is sound. Integer sorts are
-// read as reals, which is what the fact claims for a relaxed solver.
+// only weakens the literals, so a refutation is sound.
+//
+// Variables of sort Int are integers: rows over them alone are rounded
+// (x > 2 is x >= 3, 2x + 2y = 1 has no solution) and equalities over
+// them are solved within the integers, so facts that only hold over the
+// integers, such as a branch  x <= 2 or x >= 3, are refuted too. Facts
+// over reals are decided exactly; over integers the check is sound but not
+// complete (elimination of inequalities still reasons as over reals, with
+// rounding on each derived row).
 #ifndef ZENLO_THEORY_CHECK_LAFACTCHECKER_H
 #define ZENLO_THEORY_CHECK_LAFACTCHECKER_H
 

@@ -19,13 +19,15 @@ LaSolverInterface::LaSolverInterface(const Configuration::Theory* config,
       d_solver(config->la.deduction_enabled ? 2 : 0,
                config->la.pivoting_greedy_threshold),
       d_mapper(tm, &d_solver),
-      d_cmapper(&d_solver) {}
+      d_cmapper(&d_solver),
+      d_dio(&d_fresh, false) {}
 
 LaSolverInterface::~LaSolverInterface() = default;
 
 void LaSolverInterface::set_termination_test(TerminationTest* test) {
   TheorySolver::set_termination_test(test);
   d_solver.set_termination_test(test);
+  d_dio.set_termination_test(test);
 }
 
 // ---------------------------------------------------------------------------
@@ -52,9 +54,12 @@ int LaSolverInterface::new_constraint(TheoryLit lit,
   if (d_lit_of.size() <= static_cast<size_t>(c)) {
     d_lit_of.resize(std::max<size_t>(c + 1, 2 * d_lit_of.size()));
     d_queued.resize(d_lit_of.size(), 0);
+    d_is_int_eq.resize(d_lit_of.size(), 0);
+    d_int_eq.resize(d_lit_of.size());
   }
   d_lit_of[c] = lit;
   d_queued[c] = 0;
+  note_int_equation(c, lin);
   return c;
 }
 
@@ -160,6 +165,7 @@ void LaSolverInterface::retract_atom(const Term_* atom) {
   }
   AtomInfo info = d_atoms.back();
   d_atoms.pop_back();
+  d_branch.reset();
   d_atom_index.erase(atom);
   if (d_refused == atom) {
     d_refused = nullptr;
@@ -218,6 +224,7 @@ void LaSolverInterface::pop_backtrack_point() {
   }
   size_t mark = d_split_marks.back();
   d_split_marks.pop_back();
+  d_branch.reset();
   for (size_t i = mark; i < d_split_log.size(); ++i) {
     const Term_* eq = d_split_log[i];
     if (std::find(d_splits.begin(), d_splits.end(), eq) == d_splits.end()) {
@@ -320,23 +327,18 @@ bool LaSolverInterface::check(bool approx) {
         d_splits.push_back(d_atoms[*i].atom);
       }
     }
-    check_integrality();
-    d_model_ok = true;
+    if (!check_integers()) {
+      if (logger().would_log(kSection, 4)) {
+        logger()(kSection) << loglevel(4) << "no integer solution, conflict of "
+                           << d_conflict.size() << " literals" << endlog;
+      }
+      return false;
+    }
+    // A relaxed solution with a fractional integer is no model: the
+    // branch lemma waits and the search goes on.
+    d_model_ok = !d_branch.has_value();
   }
   return true;
-}
-
-// Integer variables are only relaxed to rationals here (term-ifs over
-// integral numbers are the common case). A relaxed solution that is not
-// integral cannot be trusted: the check gives up rather than answer sat.
-void LaSolverInterface::check_integrality() const {
-  for (int x : d_mapper.int_vars()) {
-    const la::DNumber& v = d_solver.get_abstract_value(x);
-    if (!v.real().is_integer() || !v.delta().is_zero()) {
-      throw error("integer arithmetic is not supported: "
-                  + d_mapper.term(x)->to_str());
-    }
-  }
 }
 
 void LaSolverInterface::get_conflict(std::vector<TheoryLit>& out) {
@@ -383,12 +385,16 @@ bool LaSolverInterface::has_lemmas() {
                                   return !d_atom_index.contains(eq);
                                 }),
                  d_splits.end());
-  return !d_units.empty() || !d_splits.empty();
+  return !d_units.empty() || !d_splits.empty() || d_branch.has_value();
 }
 
 //   unit:   the value of an atom without variables, e.g. 1 <= 2
 //   split:  a = b  or  not a <= b  or  not b <= a
+//   branch: x <= f  or  f + 1 <= x
 TheoryLemma LaSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
+  if (d_branch) {
+    return branch_lemma(clause);
+  }
   if (!d_units.empty()) {
     TheoryLit l = d_units.back();
     d_units.pop_back();
@@ -499,6 +505,8 @@ TheorySolver::Stats LaSolverInterface::get_stats() const {
       {"num implications", std::to_string(s.implications)},
       {"num disequality splits", std::to_string(s.diseq_splits)},
       {"num equalities split", std::to_string(d_num_splits)},
+      {"num branch and bound lemmas", std::to_string(d_num_branches)},
+      {"num equational conflicts", std::to_string(d_num_dio_conflicts)},
   };
 }
 

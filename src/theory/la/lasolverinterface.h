@@ -14,13 +14,22 @@
 // explanations longer than theory.la.lazy_expl_threshold are built only
 // when the search insists.
 //
-// A term outside linear real arithmetic is refused: tell_atom and every
+// Integer variables are relaxed to rationals. Atoms over integers only are
+// rounded as they are read (x < 3 is x <= 2). When a complete check ends
+// with an integer variable at a fractional value, the pushed equalities
+// over integers are first tested for integer solutions (a refutation is a
+// conflict over those equalities alone); otherwise the check passes with a
+// branch lemma  x <= floor(v) or x >= floor(v) + 1  waiting, and the search
+// splits on it. The answer sat comes only from an integral assignment.
+//
+// A term outside linear arithmetic is refused: tell_atom and every
 // later check throw its message while the atom is told, so the check
 // answers unknown and the caller may pop the atom away.
 #ifndef ZENLO_THEORY_LA_LASOLVERINTERFACE_H
 #define ZENLO_THEORY_LA_LASOLVERINTERFACE_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +37,7 @@
 #include "base/configuration.h"
 #include "terms/hashtable.h"
 #include "theory/la/constraintmapper.h"
+#include "theory/la/diophantinesystem.h"
 #include "theory/la/lasolver.h"
 #include "theory/la/linearterm.h"
 #include "theory/theorysolver.h"
@@ -94,7 +104,25 @@ class LaSolverInterface : public TheorySolver {
     bool split_pending = false;  // the split lemma is not asked for yet
   };
 
-  enum class LemmaKind { Unit, EqSplit };
+  // Fresh variables of the Diophantine system: numbers above every solver
+  // variable, handed out afresh for each use of the scratch system.
+  class FreshVars : public laz::FreshVarProvider {
+   public:
+    int new_var() override { return d_next++; }
+
+    void free_var(int) override {}
+
+    void restart(int first) { d_next = first; }
+
+   private:
+    int d_next = 1;
+  };
+
+  // A branch lemma waiting for the search: term <= floor or floor+1 <= term.
+  struct Branch {
+    const Term_* term;
+    QNumber floor;
+  };
 
   struct Level {
     size_t queue;
@@ -110,7 +138,14 @@ class LaSolverInterface : public TheorySolver {
   bool push_queue();
   void pop_queue_to(size_t size);
   void take_conflict();
-  void check_integrality() const;
+
+  // ---- Integers ------------------------------------------------------------
+  void note_int_equation(int c, const la::LinearTerm& lin);
+  bool check_integers();
+  bool check_diophantine();
+  int pick_branch_var();
+  void branch_floor(int x, QNumber& out) const;
+  TheoryLemma branch_lemma(std::vector<TheoryLit>& clause);
 
   // ---- Model ---------------------------------------------------------------
   const Term_* eval_linear(const Term_* term);
@@ -144,7 +179,21 @@ class LaSolverInterface : public TheorySolver {
   bool d_model_ok = false;
   la::LinearTerm d_lin;  // scratch
 
+  // By constraint: whether it is an equality over integers, and then its
+  // equation (variables shifted by one, the Diophantine system's
+  // numbering).
+  std::vector<uint8_t> d_is_int_eq;
+  std::vector<la::Equation> d_int_eq;
+  FreshVars d_fresh;
+  laz::DiophantineSystem d_dio;
+  std::vector<int> d_dio_ids;  // scratch
+  std::vector<QNumber> d_dio_coeffs;
+  std::optional<Branch> d_branch;
+  size_t d_branch_cursor = 0;  // where in int_vars the next choice starts
+
   uint64_t d_num_splits = 0;
+  uint64_t d_num_branches = 0;
+  uint64_t d_num_dio_conflicts = 0;
 };
 
 }  // namespace zenlo

@@ -74,10 +74,15 @@ void LinearTermMapper::set_variable(int var, const Term_* t) {
     d_term_of.resize(var + 1, nullptr);
   }
   d_term_of[var] = t;
+  if (static_cast<int>(d_is_int.size()) <= var) {
+    d_is_int.resize(var + 1, 0);
+  }
+  d_is_int[var] = 0;
   if (t != nullptr) {
     d_var_of.insert(t, var);
     if (d_tm->is_integer_type(t->get_type())) {
       d_int_vars.push_back(var);
+      d_is_int[var] = 1;
     }
   }
 }
@@ -90,6 +95,9 @@ void LinearTermMapper::free_vars_upto(int var) {
         d_var_of.erase(d_term_of[x]);
       }
       d_term_of.resize(x);
+    }
+    if (x < static_cast<int>(d_is_int.size())) {
+      d_is_int.resize(x);
     }
     if (!d_int_vars.empty() && d_int_vars.back() == x) {
       d_int_vars.pop_back();
@@ -203,6 +211,60 @@ void LinearTermMapper::make_linear(const Term_* t,
         break;
       default: unsupported(s);
     }
+  }
+  tighten_integer(out);
+}
+
+// Integer variables under a relaxation only ever meet bounds that are
+// already integral over their own coefficients: rounding here makes the
+// simplex see x <= 2 for x < 3, lets atoms that differ only in rounding
+// share one bound, and refutes 2x + 2y = 1 before any search.
+void LinearTermMapper::tighten_integer(LinearTerm& lin) const {
+  if (lin.op == LinearTerm::kNumeric || lin.monomials.empty()) {
+    return;
+  }
+  QNumber lcm = QNumber::one();
+  for (const auto& [x, a] : lin.monomials) {
+    if (!is_int_var(x)) {
+      return;
+    }
+    if (!a.is_integer()) {
+      QNumber den = a.get_den();
+      lcm = lcm * den / gcd(lcm, den);
+    }
+  }
+  QNumber g = QNumber::zero();
+  for (const auto& m : lin.monomials) {
+    g = gcd(g, m.second * lcm);
+  }
+  // Both factors are positive: the relation keeps its direction.
+  QNumber factor = lcm / g;
+  if (factor != 1L) {
+    for (auto& m : lin.monomials) {
+      m.second *= factor;
+    }
+    lin.k *= factor;
+  }
+  QNumber& k = lin.k;
+  switch (lin.op) {
+    case LinearTerm::kBelow:  // sum < k  is  sum <= ceil(k) - 1
+      k = k.ceil() - QNumber::one();
+      lin.op = LinearTerm::kAtMost;
+      break;
+    case LinearTerm::kAtMost: k = k.floor(); break;
+    case LinearTerm::kAbove:  // sum > k  is  sum >= floor(k) + 1
+      k = k.floor() + QNumber::one();
+      lin.op = LinearTerm::kAtLeast;
+      break;
+    case LinearTerm::kAtLeast: k = k.ceil(); break;
+    case LinearTerm::kEqual:
+    case LinearTerm::kDifferent:
+      if (!k.is_integer()) {
+        lin.monomials.clear();
+        k = QNumber::one();
+      }
+      break;
+    default: break;
   }
 }
 

@@ -11,6 +11,7 @@
 #ifndef ZENLO_THEORY_LA_LINEARTERM_H
 #define ZENLO_THEORY_LA_LINEARTERM_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -96,8 +97,20 @@ class LinearTermMapper {
   // the rationals; an answer is only good when these get integers.
   const std::vector<int>& int_vars() const { return d_int_vars; }
 
+  bool is_int_var(int var) const {
+    return var < static_cast<int>(d_is_int.size()) && d_is_int[var] != 0;
+  }
+
   // Records that the solver variable `var` (a slack) has no term.
   void set_variable(int var, const Term_* t);
+
+  // After: a relation over integer variables only is scaled to coprime
+  //   integer coefficients and its constant rounded, so that it states
+  //   the same set of integer points (x < 3 is x <= 2, 2x + 2y <= 3 is
+  //   x + y <= 1); an equality without integer solutions becomes the
+  //   false relation 0 = 1 and a disequality without them 0 != 1, both
+  //   without monomials. Anything else is left alone.
+  void tighten_integer(LinearTerm& lin) const;
 
  private:
   void add_monomial(int var, const QNumber& a, LinearSum& sum);
@@ -108,6 +121,7 @@ class LinearTermMapper {
   hsh::HashMap<const Term_*, int> d_var_of;
   std::vector<const Term_*> d_term_of;  // by variable; null for slacks
   std::vector<int> d_int_vars;
+  std::vector<uint8_t> d_is_int;  // by variable
   // Scratch of make_linear: the explicit stack of (term, coefficient).
   std::vector<std::pair<const Term_*, QNumber>> d_stack;
 };

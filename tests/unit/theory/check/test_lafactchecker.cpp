@@ -1,6 +1,8 @@
 // The independent arithmetic checker: it must refute what is contradictory
 // over the rationals (strictness, equalities, disequalities, numbers past a
-// machine word) and nothing that has a solution.
+// machine word) and nothing that has a solution; over variables of sort
+// Int, what is contradictory over the integers by rounding and by integer
+// equality solving, and still nothing with an integer solution.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -22,6 +24,13 @@ class LaFactCheckerTest : public ::testing::Test {
     x = constant("x");
     y = constant("y");
     z = constant("z");
+    i = int_constant("i");
+    j = int_constant("j");
+    k = int_constant("k");
+  }
+
+  const Term_* int_constant(const std::string& name) {
+    return tm.make_constant(tm.make_symbol(name, tm.get_integer_type()));
   }
 
   const Term_* constant(const std::string& name) {
@@ -70,6 +79,9 @@ class LaFactCheckerTest : public ::testing::Test {
   const Term_* x;
   const Term_* y;
   const Term_* z;
+  const Term_* i;
+  const Term_* j;
+  const Term_* k;
 };
 
 TEST_F(LaFactCheckerTest, StrictnessDecidesCycles) {
@@ -157,6 +169,66 @@ TEST_F(LaFactCheckerTest, EufFactsOverSumsAreReadAsArithmetic) {
   Lits wrong{eq(a, num(0)), eq(b, num(1)), ~eq(minus(y, z), num(0))};
   TheoryFact bad{TheoryFactKind::Lemma, wrong, nullptr};
   EXPECT_THROW(checks.check(euf, "EUF", bad), TheoryFactChecks::error);
+}
+
+TEST_F(LaFactCheckerTest, IntegerBoundsAreRounded) {
+  // 0 < i < 1 has no integer between; the same over reals has a solution.
+  EXPECT_TRUE(refuted({lt(num(0), i), lt(i, num(1))}));
+  EXPECT_FALSE(refuted({lt(num(0), x), lt(x, num(1))}));
+  // 1/2 <= i <= 3/2 holds at i = 1.
+  EXPECT_FALSE(refuted({leq(num("1/2"), i), leq(i, num("3/2"))}));
+  // 1 <= 3i <= 2.
+  EXPECT_TRUE(refuted({leq(num(1), times(3, i)), leq(times(3, i), num(2))}));
+  // Sums with even coefficients: 2i + 2j in (0, 2) is impossible, and
+  // 2i - 2j <= 1 with 2i - 2j >= 1 rounds to i - j <= 0 with i - j >= 1.
+  EXPECT_TRUE(refuted({lt(num(0), plus(times(2, i), times(2, j))),
+                       lt(plus(times(2, i), times(2, j)), num(2))}));
+  EXPECT_TRUE(refuted({leq(minus(times(2, i), times(2, j)), num(1)),
+                       leq(num(1), minus(times(2, i), times(2, j))),
+                       leq(num(0), k)}));
+  // An integer next to a real variable is not rounded: 0 < i + x < 1
+  // holds at i = 0, x = 1/2.
+  EXPECT_FALSE(refuted({lt(num(0), plus(i, x)), lt(plus(i, x), num(1))}));
+}
+
+TEST_F(LaFactCheckerTest, BranchLemmasAreValidOverIntegersOnly) {
+  // The lemma  i <= 2 or 3 <= i  negated.
+  EXPECT_TRUE(refuted({~leq(i, num(2)), ~leq(num(3), i)}));
+  EXPECT_FALSE(refuted({~leq(x, num(2)), ~leq(num(3), x)}));
+  // Over a sum of integers with a big floor.
+  const Term_* f = num("36893488147419103232");  // 2^65
+  const Term_* f1 = num("36893488147419103233");
+  EXPECT_TRUE(refuted({~leq(plus(i, j), f), ~leq(f1, plus(i, j))}));
+  // A gap of two leaves room.
+  EXPECT_FALSE(refuted({~leq(i, num(2)), ~leq(num(4), i)}));
+}
+
+TEST_F(LaFactCheckerTest, IntegerEqualitiesWithoutSolutions) {
+  EXPECT_TRUE(refuted({eq(plus(times(2, i), times(2, j)), num(1))}));
+  EXPECT_TRUE(
+      refuted({eq(plus(times(3, i), plus(times(6, j), times(9, k))), num(5))}));
+  EXPECT_FALSE(refuted({eq(plus(times(2, x), times(2, y)), num(1))}));
+  // Each alone is solvable (gcd 1), together 6k = 3 is not; no unit
+  // coefficient anywhere, so solving needs fresh variables.
+  const Term_* s = plus(times(3, i), times(5, j));
+  EXPECT_FALSE(refuted({eq(s, num(1))}));
+  EXPECT_TRUE(refuted({eq(s, num(1)), eq(plus(s, times(6, k)), num(4))}));
+  EXPECT_FALSE(refuted({eq(s, num(1)), eq(plus(s, times(6, k)), num(7))}));
+  // Integer solutions of 3i + 5j = 1 are i = 2 + 5t, j = -1 - 3t: i is 2
+  // modulo 5, so 3 <= i <= 6 forces i = 2 + 5 = 7, outside.
+  EXPECT_TRUE(refuted({eq(s, num(1)), leq(num(3), i), leq(i, num(6))}));
+  EXPECT_FALSE(refuted({eq(s, num(1)), leq(num(3), i), leq(i, num(7))}));
+  // Coefficients past 64 bits: 2^65 i + 2^65 j = 2^64 has no solution.
+  const Term_* two65 = num("36893488147419103232");
+  EXPECT_TRUE(
+      refuted({eq(plus(tm.make_times(two65, i), tm.make_times(two65, j)),
+                  num("18446744073709551616"))}));
+}
+
+TEST_F(LaFactCheckerTest, IntegerDisequalitiesSplitAroundTheValue) {
+  // i != 3 within [3, 4) over the integers.
+  EXPECT_TRUE(refuted({~eq(i, num(3)), leq(num(3), i), lt(i, num(4))}));
+  EXPECT_FALSE(refuted({~eq(x, num(3)), leq(num(3), x), lt(x, num(4))}));
 }
 
 }  // namespace

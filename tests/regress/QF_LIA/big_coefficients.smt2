@@ -1,0 +1,22 @@
+(set-logic QF_LIA)
+(declare-fun x () Int)
+(declare-fun y () Int)
+(declare-fun z () Int)
+(set-info :status unsat)
+(push 1)
+; 2^64 x + 2^64 y = 2^65 + 2^63
+(assert (= (+ (* 18446744073709551616 x) (* 18446744073709551616 y)) 46116860184273879040))
+(check-sat)
+(pop 1)
+(push 1)
+; 2^65 + 1 <= 2^64 z <= 2^65 + 2^63
+(assert (<= 36893488147419103233 (* 18446744073709551616 z) 46116860184273879040))
+(check-sat)
+(pop 1)
+(set-info :status sat)
+; x = 2^64 - 59 times something: the solution needs big values
+(assert (= (+ (* 18446744073709551557 x) (* 3 y)) 1))
+(assert (> x 1000000))
+(assert (< x 1000010))
+(assert (>= z (+ x y)))
+(check-sat)
