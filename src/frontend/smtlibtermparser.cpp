@@ -376,6 +376,10 @@ const Term_* SmtLibTermParser::apply_symbol(std::string_view name,
   }
   if (s == nullptr) {
     if (is_negative_literal(name)) {
+      if (d_refused_number_names.count(name) != 0) {
+        throw perror("`" + std::string(name)
+                     + "' reads as a symbol, whose declaration was refused");
+      }
       return make_number_term(name);
     }
     unknown(name);
@@ -554,6 +558,7 @@ const Symbol* SmtLibTermParser::declare_function(std::string_view name,
     throw perror(quoted + " is already defined");
   }
   if (is_number_name(name)) {
+    d_refused_number_names.emplace(name);
     throw perror(quoted + " is reserved for numbers");
   }
   return d_tm->make_symbol(name, type);

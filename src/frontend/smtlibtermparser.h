@@ -13,6 +13,7 @@
 #define ZENLO_FRONTEND_SMTLIBTERMPARSER_H
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -144,6 +145,9 @@ class SmtLibTermParser {
   void collect_terms_to_keep(TermList& out) const;
 
  private:
+  // Names like `-2' whose declaration was refused: the script means a
+  // symbol by them, so they no longer read as the lenient numbers.
+  std::set<std::string, std::less<>> d_refused_number_names;
   struct NameStack;
   struct Definition;
 
