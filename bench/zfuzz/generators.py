@@ -1,5 +1,5 @@
 """The logics that bench/fuzz knows, each with its generator module."""
-from . import gen_bool, gen_bv, gen_lra, gen_uf
+from . import gen_bool, gen_bv, gen_lia, gen_lra, gen_uf
 
-LOGICS = {g.LOGIC: g for g in (gen_bool, gen_bv, gen_lra, gen_uf)}
+LOGICS = {g.LOGIC: g for g in (gen_bool, gen_bv, gen_lia, gen_lra, gen_uf)}
 DIMACS = "DIMACS"

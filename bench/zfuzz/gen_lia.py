@@ -1,0 +1,72 @@
+"""Linear integer arithmetic: the shapes of the QF_LRA generator over Int
+constants with integer coefficients (even ones too, so that parity
+matters), now and then past 64 bits; difference constraints x - y <= c
+as the IDL files have them. Few constants and small numbers, so that
+bounds meet and unsat is common."""
+LOGIC = "QF_LIA"
+ASSERTIONS = (2, 10)
+
+HUGE = (1 << 64) + 13
+
+
+def declare(rng, sig):
+    sig.sorts.append("Int")
+    return [sig.declare("i", [], "Int") for _ in range(rng.randint(2, 4))]
+
+
+def declare_more(rng, sig):
+    return [sig.declare("i", [], "Int")]
+
+
+def _integer(rng):
+    r = rng.random()
+    if r < 0.05:
+        return rng.choice((HUGE, HUGE * 3 + 1, (1 << 62) + 1))
+    return rng.choice((0, 1, 1, 2, 2, 3, 4, 5, 6, 7, 10))
+
+
+def number(rng):
+    """An integer constant, negative ones as (- n)."""
+    n = _integer(rng)
+    return "(- %d)" % n if rng.random() < 0.3 and n != 0 else "%d" % n
+
+
+def term(rng, sig, depth):
+    names = sig.constants("Int")
+    r = rng.random()
+    if depth <= 0 or r < 0.35:
+        return rng.choice(names) if rng.random() < 0.8 else number(rng)
+    sub = lambda: term(rng, sig, depth - 1)  # noqa: E731
+    if r < 0.6:
+        return "(+ %s)" % " ".join(sub() for _ in range(rng.randint(2, 3)))
+    if r < 0.7:
+        return "(- %s %s)" % (sub(), sub())
+    if r < 0.75:
+        return "(- %s)" % sub()
+    if r < 0.88:
+        k = number(rng)
+        return "(* %s %s)" % ((k, sub()) if rng.random() < 0.7
+                              else (sub(), k))
+    return "(ite %s %s %s)" % (atom(rng, sig, depth - 1), sub(), sub())
+
+
+def atom(rng, sig, depth=2):
+    r = rng.random()
+    if r < 0.2:
+        # x - y <= c, the shape of difference logic.
+        x, y = rng.sample(sig.constants("Int"), 2)
+        return "(%s (- %s %s) %s)" % (rng.choice(("<=", "<")), x, y,
+                                      number(rng))
+    t = lambda: term(rng, sig, depth)  # noqa: E731
+    if r < 0.8:
+        op = rng.choice(("<", "<=", ">", ">=", "<=", "<"))
+        return "(%s %s %s)" % (op, t(), t())
+    if r < 0.92:
+        return "(= %s %s)" % (t(), t())
+    if r < 0.97:
+        return "(distinct %s)" % " ".join(t() for _ in range(rng.randint(2, 3)))
+    return rng.choice(sig.constants("Bool") or ["true"])
+
+
+def zenlo_args(sig):
+    return []
