@@ -324,7 +324,11 @@ QNumber& QNumber::mul_slow(const QNumber& o) {
   }
   MpqView v(o);
   make_big();
-  mpq_mul(big(), big(), v);
+  if (big_is_int() && mpz_cmp_ui(v.den(), 1) == 0) {
+    mpz_mul(mpq_numref(big()), mpq_numref(big()), v.num());
+  } else {
+    mpq_mul(big(), big(), v);
+  }
   return *this;
 }
 
@@ -394,9 +398,49 @@ QNumber& QNumber::self_addmul(const QNumber& a, const QNumber& b) {
     d_num = r;
     return *this;
   }
-  QNumber prod(a);
-  prod *= b;
-  return *this += prod;
+  return addmul_slow(a, b);
+}
+
+// Integers (the tableau's rows) take one mpz_addmul; fractions go through
+// a scratch product that keeps its limbs between calls, so neither path
+// allocates once the numbers stop growing.
+QNumber& QNumber::addmul_slow(const QNumber& a, const QNumber& b) {
+  if (is_integer() && a.is_integer() && b.is_integer()) {
+    // Views taken before make_big, in case a or b is this; GMP allows the
+    // aliasing that remains.
+    MpqView va(a), vb(b);
+    make_big();
+    mpz_addmul(mpq_numref(big()), va.num(), vb.num());
+    return *this;
+  }
+  static thread_local Mpq prod;
+  {
+    MpqView va(a), vb(b);
+    mpq_mul(prod, va, vb);
+  }
+  make_big();
+  mpq_add(big(), big(), prod);
+  return *this;
+}
+
+QNumber& QNumber::self_divexact(const QNumber& d) {
+  if (!is_big() && !d.is_big()) {
+    // d == -1 on INT64_MAX is the only negation; the small form holds it.
+    d_num /= d.d_num;
+    return *this;
+  }
+  MpqView vd(d);
+  make_big();
+  mpz_divexact(mpq_numref(big()), mpq_numref(big()), vd.num());
+  // Quotients are usually small again (a row's common factor taken out),
+  // and the word path is much faster.
+  int64_t n;
+  if (mpz_to_small(mpq_numref(big()), &n)) {
+    free_big();
+    d_num = n;
+    d_den = 1;
+  }
+  return *this;
 }
 
 // ---------------------------------------------------------------------------

@@ -233,6 +233,9 @@ class QNumber {
   friend QNumber abs(const QNumber& x);
   // this += a * b
   QNumber& self_addmul(const QNumber& a, const QNumber& b);
+  // Requires: this and d integers, d != 0 dividing this.
+  // After: this is this / d, without the gcds of a rational division.
+  QNumber& self_divexact(const QNumber& d);
 
   // Integers.
   QNumber floor() const;
@@ -383,6 +386,7 @@ class QNumber {
   QNumber& assign_slow(const QNumber& other);
   QNumber& add_slow(const QNumber& o, bool subtract);
   QNumber& mul_slow(const QNumber& o);
+  QNumber& addmul_slow(const QNumber& a, const QNumber& b);
   QNumber& self_neg_big();
   bool eq_slow(const QNumber& o) const;
   int compare_slow(const QNumber& o) const;

@@ -397,9 +397,10 @@ void Solver::propagate_row(int basic) {
 
 // The bound of the i-th variable of the row (-1: the basic one) that the
 // bounds of the other variables give, with their constraints in reason.
-// With c_i y_i = -sum_{k != i} c_k y_k, where c = -1 for the basic variable
-// and a_j for the others, y_i is at most (for c_i > 0) the largest value
-// of the right-hand side over c_i.
+// The row reads 0 = -den*basic + sum n_j*v_j; with c_i y_i = -sum_{k != i}
+// c_k y_k, where c = -den for the basic variable and n_j for the others,
+// y_i is at most (for c_i > 0) the largest value of the right-hand side
+// over c_i.
 bool Solver::row_bound(const Tableau::Row& row,
                        int basic,
                        int i,
@@ -408,35 +409,35 @@ bool Solver::row_bound(const Tableau::Row& row,
                        std::vector<int>& reason) {
   reason.clear();
   out = DNumber();
-  const QNumber& ci = i < 0 ? QNumber::one() : row[i].coeff;
-  // Moving to the other side: the basic variable enters with +1, each
-  // other with -a_j; dividing by c_i = -1 (basic) or a_i flips when c_i
-  // is negative in the sum's form.
-  const bool ci_neg = i < 0 ? true : ci.sign() < 0;
+  const QNumber& den = d_tab.denominator(basic);
+  // c_i is negative for the basic variable; dividing by it flips.
+  const bool ci_neg = i < 0 ? true : row[i].coeff.sign() < 0;
   const bool want_max = upper != ci_neg;
   for (int k = -1; k < static_cast<int>(row.size()); ++k) {
     if (k == i) {
       continue;
     }
     int y = k < 0 ? basic : row[k].var;
-    // term = -c_k y_k: +y for the basic one, -a_k y_k for the others.
+    // term = -c_k y_k: +den*y for the basic one, -n_k y_k for the others.
     const bool positive = k < 0 ? true : row[k].coeff.sign() < 0;
     const Bound& b = (positive == want_max) ? d_upper[y] : d_lower[y];
     if (!b.present || b.constraint < 0) {
       return false;
     }
     if (k < 0) {
-      out += b.value;
+      out.addmul(b.value, den);
     } else {
-      out.addmul(b.value, row[k].coeff.neg());
+      d_neg_coeff = row[k].coeff;
+      d_neg_coeff.self_neg();
+      out.addmul(b.value, d_neg_coeff);
     }
     reason.push_back(b.constraint);
   }
-  // c_i = -1 for the basic variable, a_i otherwise.
   if (i < 0) {
     out = -out;
+    out /= den;
   } else {
-    out /= ci;
+    out /= row[i].coeff;
   }
   return true;
 }

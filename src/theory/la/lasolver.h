@@ -222,7 +222,8 @@ class Solver {
   int select_basic(bool greedy);
   int select_nonbasic(int x, bool below, bool greedy) const;
   void set_beta(int x, const DNumber& v);
-  void add_to_beta(int x, const DNumber& d, const QNumber& a);
+  // beta[x] += d * n / den
+  void add_to_beta(int x, const DNumber& d, const QNumber& n, const QNumber& den);
   void update(int x, const DNumber& v);
   void pivot_and_update(int x, int y, const DNumber& v);
   void build_conflict(int x, bool below);
@@ -287,6 +288,8 @@ class Solver {
 
   // Scratch.
   DNumber d_tmp;
+  DNumber d_step;
+  QNumber d_neg_coeff;
   QNumber d_qtmp;
 
   Stats d_stats;

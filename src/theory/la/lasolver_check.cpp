@@ -19,9 +19,17 @@ void Solver::set_beta(int x, const DNumber& v) {
   }
 }
 
-// beta[x] += d * a, and x becomes a candidate when it now violates.
-void Solver::add_to_beta(int x, const DNumber& d, const QNumber& a) {
-  d_beta[x].addmul(d, a);
+// beta[x] += d * n / den, and x becomes a candidate when it now violates.
+void Solver::add_to_beta(int x,
+                         const DNumber& d,
+                         const QNumber& n,
+                         const QNumber& den) {
+  d_step = d;
+  d_step *= n;
+  if (!(den == 1L)) {
+    d_step /= den;
+  }
+  d_beta[x] += d_step;
   if (!d_is_changed[x]) {
     d_is_changed[x] = 1;
     d_changed.push_back(x);
@@ -43,7 +51,8 @@ void Solver::update(int x, const DNumber& v) {
   d_tmp -= d_beta[x];
   for (const Tableau::ColEntry& ce : d_tab.column(x)) {
     int b = d_tab.basic_of_row(ce.row);
-    add_to_beta(b, d_tmp, d_tab.row(b)[ce.row_pos].coeff);
+    add_to_beta(
+        b, d_tmp, d_tab.row(b)[ce.row_pos].coeff, d_tab.denominator(b));
   }
   set_beta(x, v);
 }
@@ -51,15 +60,15 @@ void Solver::update(int x, const DNumber& v) {
 // Basic x goes to v by moving nonbasic y, then they swap roles. With
 // x = a*y + rest, y moves by theta = (v - beta[x]) / a.
 void Solver::pivot_and_update(int x, int y, const DNumber& v) {
-  const QNumber& a = d_tab.coeff(x, y);
   d_tmp = v;
   d_tmp -= d_beta[x];
-  d_tmp /= a;
+  d_tmp /= d_tab.coeff(x, y);
   set_beta(x, v);
   for (const Tableau::ColEntry& ce : d_tab.column(y)) {
     int b = d_tab.basic_of_row(ce.row);
     if (b != x) {
-      add_to_beta(b, d_tmp, d_tab.row(b)[ce.row_pos].coeff);
+      add_to_beta(
+          b, d_tmp, d_tab.row(b)[ce.row_pos].coeff, d_tab.denominator(b));
     }
   }
   d_beta[y] += d_tmp;
@@ -183,13 +192,14 @@ bool Solver::do_check() {
 // x's row cannot move x into its bounds: every variable of the row sits at
 // the bound that blocks it. For x below its lower bound l,
 //   x = sum a*y <= sum_{a>0} a*upper(y) + sum_{a<0} a*lower(y) < l,
-// so lower(x) with coefficient 1 and each blocking bound with |a| is
+// so lower(x) and the blocking bounds, weighted by the row's integers, are
 // contradictory; the mirror for the upper bound.
 void Solver::build_conflict(int x, bool below) {
   d_conflict.clear();
   d_conflict_coeffs.clear();
+  // The row scaled by its den: den*x = sum n*y, integer multipliers.
   add_conflict(below ? d_lower[x].constraint : d_upper[x].constraint,
-               QNumber::one());
+               d_tab.denominator(x));
   for (const Tableau::Entry& e : d_tab.row(x)) {
     bool use_upper = (e.coeff.sign() > 0) == below;
     const Bound& b = use_upper ? d_upper[e.var] : d_lower[e.var];

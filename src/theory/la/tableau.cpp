@@ -25,7 +25,9 @@ int Tableau::new_row(int basic) {
     r = static_cast<int>(d_rows.size());
     d_rows.emplace_back();
     d_basic.push_back(-1);
+    d_den.emplace_back();
   }
+  d_den[r] = 1L;
   d_basic[r] = basic;
   d_row_of[basic] = r;
   return r;
@@ -110,42 +112,98 @@ void Tableau::add_multiple(int r, const QNumber& c, int src) {
   }
 }
 
+// The sum is gathered with rational coefficients (basic variables expanded
+// through their rows), then brought to integers over the lcm of the
+// denominators. Not a hot path: rows are added once per slack.
 void Tableau::add_row(int basic, const LinearSum& sum) {
   if (is_basic(basic) || !d_cols[basic].empty()) {
     throw Exception("la::Tableau::add_row: variable is not fresh");
   }
-  int r = new_row(basic);
+  d_acc.clear();
+  auto accumulate = [this](int v, const QNumber& a) {
+    int pos = d_mark[v];
+    if (pos >= 0) {
+      d_acc[pos].second += a;
+    } else {
+      d_mark[v] = static_cast<int>(d_acc.size());
+      d_acc.emplace_back(v, a);
+    }
+  };
   for (const auto& [v, a] : sum) {
     if (!is_basic(v)) {
-      int pos = d_mark[v];
-      if (pos >= 0) {
-        QNumber& c = d_rows[r][pos].coeff;
-        c += a;
-        if (c.is_zero()) {
-          remove_entry(r, pos);
-        }
-      } else {
-        d_mark[v] = static_cast<int>(d_rows[r].size());
-        append_entry(r, v, a);
-      }
-    } else {
-      add_multiple(r, a, d_row_of[v]);
+      accumulate(v, a);
+      continue;
+    }
+    int src = d_row_of[v];
+    for (const Entry& e : d_rows[src]) {
+      d_tmp = e.coeff;
+      d_tmp *= a;
+      d_tmp /= d_den[src];
+      accumulate(e.var, d_tmp);
     }
   }
-  unmark_row(r);
+  QNumber den(1L);
+  for (auto& [v, a] : d_acc) {
+    d_mark[v] = -1;
+    if (!a.is_zero() && !a.is_integer()) {
+      QNumber d = a.get_den();
+      den *= d / gcd(den, d);
+    }
+  }
+  int r = new_row(basic);
+  d_den[r] = den;
+  for (auto& [v, a] : d_acc) {
+    if (!a.is_zero()) {
+      a *= den;
+      append_entry(r, v, a);
+    }
+  }
+  remove_content(r);
 }
 
-const QNumber& Tableau::coeff(int x, int y) const {
+void Tableau::remove_content(int r) {
+  Row& row = d_rows[r];
+  QNumber& den = d_den[r];
+  if (den == 1L) {
+    return;
+  }
+  // The first gcd is the costly one when both numbers are big; an entry in
+  // machine words, if there is one, makes it cheap, and the rest follow a
+  // small g.
+  QNumber g(den);
+  for (const Entry& e : row) {
+    if (!e.coeff.is_big()) {
+      g = gcd(g, e.coeff);
+      break;
+    }
+  }
+  for (const Entry& e : row) {
+    if (g == 1L) {
+      return;
+    }
+    g = gcd(g, e.coeff);
+  }
+  if (g == 1L) {
+    return;
+  }
+  for (Entry& e : row) {
+    e.coeff.self_divexact(g);
+  }
+  den.self_divexact(g);
+}
+
+QNumber Tableau::coeff(int x, int y) const {
   for (const Entry& e : row(x)) {
     if (e.var == y) {
-      return e.coeff;
+      return e.coeff / denominator(x);
     }
   }
   return QNumber::zero();
 }
 
-// Row r: x = a*y + rest becomes y = (1/a)*x - (1/a)*rest; every other row
-// s with c*y gets c times the new row added, which removes y from it.
+// Row r: D*x = n*y + rest becomes |n|*y = sign(n)*(D*x - rest). Every other
+// row s with D_s*b = c*y + rest_s takes y's row, both scaled by
+// g = gcd(c, |n|): (D_s*|n|/g)*b = (|n|/g)*rest_s + (c/g)*(row of y).
 void Tableau::pivot(int x, int y) {
   int r = d_row_of[x];
   Row& row = d_rows[r];
@@ -159,25 +217,32 @@ void Tableau::pivot(int x, int y) {
   if (py < 0 || is_basic(y)) {
     throw Exception("la::Tableau::pivot: bad pivot");
   }
-  QNumber inv = row[py].coeff.inv();
+  QNumber n = row[py].coeff;
   remove_entry(r, py);
-  QNumber minus_inv = inv.neg();
-  for (Entry& e : d_rows[r]) {
-    e.coeff *= minus_inv;
+  QNumber dx = d_den[r];
+  if (n.sign() > 0) {
+    for (Entry& e : d_rows[r]) {
+      e.coeff.self_neg();
+    }
+  } else {
+    dx.self_neg();
+    n.self_neg();
   }
-  append_entry(r, x, inv);
+  append_entry(r, x, dx);
+  d_den[r] = n;
   d_row_of[x] = -1;
   d_basic[r] = y;
   d_row_of[y] = r;
+  remove_content(r);
+  const QNumber& dy = d_den[r];
 
   d_scratch.clear();
   for (const ColEntry& ce : d_cols[y]) {
     d_scratch.push_back(ce.row);
   }
-  QNumber c;
   for (int s : d_scratch) {
     // y's column changes under us; find y's entry through the row.
-    const Row& srow = d_rows[s];
+    Row& srow = d_rows[s];
     int pos = -1;
     for (size_t i = 0; i < srow.size(); ++i) {
       if (srow[i].var == y) {
@@ -185,11 +250,26 @@ void Tableau::pivot(int x, int y) {
         break;
       }
     }
-    c = srow[pos].coeff;
+    d_tmp = srow[pos].coeff;  // c
     remove_entry(s, pos);
+    d_tmp2 = dy;
+    if (!(dy == 1L)) {
+      QNumber g = gcd(d_tmp, dy);
+      if (!(g == 1L)) {
+        d_tmp.self_divexact(g);
+        d_tmp2.self_divexact(g);
+      }
+      if (!(d_tmp2 == 1L)) {
+        for (Entry& e : srow) {
+          e.coeff *= d_tmp2;
+        }
+        d_den[s] *= d_tmp2;
+      }
+    }
     mark_row(s);
-    add_multiple(s, c, r);
+    add_multiple(s, d_tmp, r);
     unmark_row(s);
+    remove_content(s);
   }
 }
 

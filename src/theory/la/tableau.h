@@ -1,8 +1,15 @@
 // Tableau: the sparse matrix of the simplex. Each row defines one basic
-// variable as a linear combination of nonbasic ones, basic = sum a_j * v_j;
-// a basic variable never occurs inside a row. Columns list, per variable,
-// the rows it occurs in, so that a pivot touches only the rows that
-// mention the entering variable.
+// variable as a linear combination of nonbasic ones, in integers:
+//   den * basic = sum n_j * v_j,
+// with den > 0 and the row's numbers without a common factor, so the
+// coefficient of v_j is n_j / den. A basic variable never occurs inside a
+// row. Columns list, per variable, the rows it occurs in, so that a pivot
+// touches only the rows that mention the entering variable.
+//
+// Integer rows make a pivot fraction-free: one multiplication and one
+// addition per entry and a single gcd pass per row, where rational
+// coefficients would need gcds on every operation. That dominates on
+// problems whose coefficients leave the machine words.
 //
 // Rows and columns point at each other by position (a row entry knows its
 // place in the column and the other way round), which makes removal of an
@@ -32,8 +39,8 @@ class Tableau {
  public:
   struct Entry {
     int var;
-    int col_pos;  // index of this entry in the column of var
-    QNumber coeff;
+    int col_pos;    // index of this entry in the column of var
+    QNumber coeff;  // the integer n_j; the coefficient is n_j / den
   };
 
   struct ColEntry {
@@ -76,8 +83,13 @@ class Tableau {
   // Returns: the basic variable of row `r` of column entries.
   int basic_of_row(int r) const { return d_basic[r]; }
 
-  // Returns: the coefficient of y in the row of basic x (0 when absent).
-  const QNumber& coeff(int x, int y) const;
+  // Requires: is_basic(x).
+  // Returns: the positive integer den of x's row.
+  const QNumber& denominator(int x) const { return d_den[d_row_of[x]]; }
+
+  // Returns: the rational coefficient of y in the row of basic x (0 when
+  //   absent).
+  QNumber coeff(int x, int y) const;
 
   size_t max_row_length() const;
   size_t total_row_length() const;
@@ -85,14 +97,17 @@ class Tableau {
  private:
   void remove_entry(int r, int pos);
   void append_entry(int r, int var, const QNumber& coeff);
-  // row r += c * (row of src), with y's entry of r already removed.
+  // Row r's numbers += c * (row src's numbers); r is marked.
   void add_multiple(int r, const QNumber& c, int src);
+  // Divides row r's numbers and den by their gcd.
+  void remove_content(int r);
   void mark_row(int r);
   void unmark_row(int r);
   int new_row(int basic);
   void drop_row(int r);
 
   std::vector<Row> d_rows;
+  std::vector<QNumber> d_den;  // row -> den
   std::vector<int> d_basic;   // row -> basic variable, -1 for a free row
   std::vector<int> d_row_of;  // variable -> row, -1 when nonbasic
   std::vector<std::vector<ColEntry>> d_cols;
@@ -102,6 +117,9 @@ class Tableau {
   // elsewhere; kept all -1 between operations.
   std::vector<int> d_mark;
   std::vector<int> d_scratch;
+  // Scratch of add_row: the row being built, with rational coefficients.
+  std::vector<std::pair<int, QNumber>> d_acc;
+  QNumber d_tmp, d_tmp2;
 };
 
 }  // namespace la

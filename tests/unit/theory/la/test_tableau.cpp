@@ -1,6 +1,7 @@
 // The sparse tableau alone: rows stay equivalent to the original equations
-// through pivots, columns agree with rows, youngest variables can be
-// removed at any time, and coefficients beyond 64 bits survive a pivot.
+// through pivots, columns agree with rows, rows stay integral and without a
+// common factor, youngest variables can be removed at any time, and
+// coefficients beyond 64 bits survive a pivot.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -26,15 +27,22 @@ void expect_equivalent(const Tableau& t,
   for (int x = 0; x < t.num_vars(); ++x) {
     if (t.is_basic(x)) {
       QNumber v;
+      const QNumber& den = t.denominator(x);
+      ASSERT_TRUE(den.is_integer() && den.sign() > 0);
+      QNumber content(den);
       for (const auto& e : t.row(x)) {
         ASSERT_FALSE(t.is_basic(e.var));
         ASSERT_FALSE(e.coeff.is_zero());
+        ASSERT_TRUE(e.coeff.is_integer());
+        content = gcd(content, e.coeff);
         v.self_addmul(val[e.var], e.coeff);
+        EXPECT_EQ(t.coeff(x, e.var), e.coeff / den);
         // The column points back at this very entry.
         const auto& ce = t.column(e.var)[e.col_pos];
         EXPECT_EQ(t.basic_of_row(ce.row), x);
       }
-      val[x] = v;
+      EXPECT_EQ(content, QNumber(1L)) << "row of " << x;
+      val[x] = v / den;
     }
   }
   for (const auto& [s, sum] : eqs) {
@@ -131,6 +139,47 @@ TEST(Tableau, BigCoefficientsThroughPivots) {
   expect_equivalent(t, eqs);
   t.pivot(1, s);
   expect_equivalent(t, eqs);
+}
+
+// Random pivots over rows with fractional and word-overflowing
+// coefficients, against the original equations after every step.
+TEST(Tableau, RandomPivotsKeepTheEquations) {
+  std::mt19937 rng(11);
+  for (int round = 0; round < 20; ++round) {
+    Tableau t;
+    const int n = 6;
+    for (int i = 0; i < n; ++i) {
+      t.add_var();
+    }
+    std::vector<std::pair<int, LinearSum>> eqs;
+    for (int k = 0; k < 8; ++k) {
+      LinearSum sum;
+      for (int v = 0; v < n; ++v) {
+        if (rng() % 2 == 0) {
+          QNumber a(static_cast<long>(rng() % 19) - 9,
+                    static_cast<long>(rng() % 5) + 1);
+          if (rng() % 7 == 0) {
+            a *= QNumber::from_str("98765432109876543211");
+          }
+          if (!a.is_zero()) {
+            sum.emplace_back(v, a);
+          }
+        }
+      }
+      int s = t.add_var();
+      t.add_row(s, sum);
+      eqs.emplace_back(s, sum);
+    }
+    for (int step = 0; step < 30; ++step) {
+      int x = static_cast<int>(rng() % t.num_vars());
+      if (!t.is_basic(x) || t.row(x).empty()) {
+        continue;
+      }
+      int y = t.row(x)[rng() % t.row(x).size()].var;
+      t.pivot(x, y);
+      expect_equivalent(t, eqs);
+    }
+  }
 }
 
 }  // namespace
