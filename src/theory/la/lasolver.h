@@ -223,7 +223,10 @@ class Solver {
   int select_nonbasic(int x, bool below, bool greedy) const;
   void set_beta(int x, const DNumber& v);
   // beta[x] += d * n / den
-  void add_to_beta(int x, const DNumber& d, const QNumber& n, const QNumber& den);
+  void add_to_beta(int x,
+                   const DNumber& d,
+                   const QNumber& n,
+                   const QNumber& den);
   void update(int x, const DNumber& v);
   void pivot_and_update(int x, int y, const DNumber& v);
   void build_conflict(int x, bool below);

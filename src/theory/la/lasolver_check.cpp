@@ -51,8 +51,7 @@ void Solver::update(int x, const DNumber& v) {
   d_tmp -= d_beta[x];
   for (const Tableau::ColEntry& ce : d_tab.column(x)) {
     int b = d_tab.basic_of_row(ce.row);
-    add_to_beta(
-        b, d_tmp, d_tab.row(b)[ce.row_pos].coeff, d_tab.denominator(b));
+    add_to_beta(b, d_tmp, d_tab.row(b)[ce.row_pos].coeff, d_tab.denominator(b));
   }
   set_beta(x, v);
 }

@@ -108,8 +108,8 @@ class Tableau {
 
   std::vector<Row> d_rows;
   std::vector<QNumber> d_den;  // row -> den
-  std::vector<int> d_basic;   // row -> basic variable, -1 for a free row
-  std::vector<int> d_row_of;  // variable -> row, -1 when nonbasic
+  std::vector<int> d_basic;    // row -> basic variable, -1 for a free row
+  std::vector<int> d_row_of;   // variable -> row, -1 when nonbasic
   std::vector<std::vector<ColEntry>> d_cols;
   std::vector<int> d_free_rows;
   int d_free = 0;
