@@ -255,6 +255,19 @@ DpllSolver::Clause* DpllSolver::make_theory_reason(Lit p,
 // `lits` are true literals that the theories cannot hold together.
 // Returns: the clause, with a hold taken for the conflict.
 DpllSolver::Clause* DpllSolver::make_theory_conflict(std::vector<Lit>& lits) {
+  if (d_rup) {
+    // A conflict with a literal that is not true is no conflict: analysis
+    // would resolve on it and learn clauses that do not follow.
+    for (Lit p : lits) {
+      if (value_lit(p) != l_True) {
+        throw error(
+            "internal error: check of learnt clauses: theory conflict with "
+            "a literal that is not true: "
+            + std::to_string(dpll::sign(p) ? -(dpll::var(p) + 1)
+                                           : dpll::var(p) + 1));
+      }
+    }
+  }
   add_guard(lits, GuardKind::TrueLits);
   sort_by_trail(lits);
   negate_unique(lits, 0);

@@ -106,6 +106,9 @@ bool LaSolverInterface::check_diophantine() {
   if (d_dio.check()) {
     return true;
   }
+  // The refutation is appended to what the vectors hold.
+  d_dio_ids.clear();
+  d_dio_coeffs.clear();
   d_dio.get_unsat_proof(&d_dio_ids, &d_dio_coeffs);
   d_conflict.clear();
   for (int id : d_dio_ids) {
