@@ -236,20 +236,14 @@ void Tableau::pivot(int x, int y) {
   remove_content(r);
   const QNumber& dy = d_den[r];
 
-  d_scratch.clear();
-  for (const ColEntry& ce : d_cols[y]) {
-    d_scratch.push_back(ce.row);
-  }
-  for (int s : d_scratch) {
-    // y's column changes under us; find y's entry through the row.
+  // Taking y's column from the back: removing y's entry from that row
+  // pops the column's last element, and the entry's position in its row is
+  // exact until the row itself is rewritten.
+  while (!d_cols[y].empty()) {
+    const ColEntry ce = d_cols[y].back();
+    const int s = ce.row;
+    const int pos = ce.row_pos;
     Row& srow = d_rows[s];
-    int pos = -1;
-    for (size_t i = 0; i < srow.size(); ++i) {
-      if (srow[i].var == y) {
-        pos = static_cast<int>(i);
-        break;
-      }
-    }
     d_tmp = srow[pos].coeff;  // c
     remove_entry(s, pos);
     d_tmp2 = dy;
@@ -269,7 +263,12 @@ void Tableau::pivot(int x, int y) {
     mark_row(s);
     add_multiple(s, d_tmp, r);
     unmark_row(s);
-    remove_content(s);
+    // Without scaling den_s stayed as it was, and a common factor of the
+    // row (rare) divides it: numbers cannot grow through it, so the gcd
+    // pass is only worth its cost after a scaling.
+    if (!(d_tmp2 == 1L)) {
+      remove_content(s);
+    }
   }
 }
 

@@ -1,10 +1,11 @@
 // Tableau: the sparse matrix of the simplex. Each row defines one basic
 // variable as a linear combination of nonbasic ones, in integers:
 //   den * basic = sum n_j * v_j,
-// with den > 0 and the row's numbers without a common factor, so the
-// coefficient of v_j is n_j / den. A basic variable never occurs inside a
-// row. Columns list, per variable, the rows it occurs in, so that a pivot
-// touches only the rows that mention the entering variable.
+// with den > 0, so the coefficient of v_j is n_j / den. A row whose den
+// grew in a pivot is divided by the common factor of its numbers. A basic
+// variable never occurs inside a row. Columns list, per variable, the rows it
+// occurs in, so that a pivot touches only the rows that mention the entering
+// variable.
 //
 // Integer rows make a pivot fraction-free: one multiplication and one
 // addition per entry and a single gcd pass per row, where rational
@@ -116,7 +117,6 @@ class Tableau {
   // Scratch: position of each variable in the row being rewritten, -1
   // elsewhere; kept all -1 between operations.
   std::vector<int> d_mark;
-  std::vector<int> d_scratch;
   // Scratch of add_row: the row being built, with rational coefficients.
   std::vector<std::pair<int, QNumber>> d_acc;
   QNumber d_tmp, d_tmp2;
