@@ -575,10 +575,33 @@ class Eliminator {
 }  // namespace
 
 std::string LaFactChecker::check(const TheoryFact& fact) {
+  const auto* split = dynamic_cast<const LaSplitCertificate*>(fact.certificate);
+  if (split == nullptr) {
+    return decide(fact.lits);
+  }
+  // The split must cover every integer point, then each side must refute.
+  std::vector<TheoryLit> lits{TheoryLit(split->below, true),
+                              TheoryLit(split->above, true)};
+  std::string why = decide(lits);
+  if (!why.empty()) {
+    return "the split of the certificate leaves a gap: " + why;
+  }
+  for (const Term_* side : {split->below, split->above}) {
+    lits.assign(fact.lits.begin(), fact.lits.end());
+    lits.push_back(TheoryLit(side, false));
+    why = decide(lits);
+    if (!why.empty()) {
+      return "under `" + side->to_str() + "': " + why;
+    }
+  }
+  return "";
+}
+
+std::string LaFactChecker::decide(const std::vector<TheoryLit>& lits) {
   Reader reader(d_tm);
   std::vector<Row> base;
   std::vector<Row> diseqs;
-  for (TheoryLit lit : fact.lits) {
+  for (TheoryLit lit : lits) {
     Row row;
     if (!reader.read(lit, row)) {
       return "`" + lit.atom()->to_str() + "' is not an arithmetic comparison";

@@ -17,18 +17,31 @@
 // integers, such as a branch  x <= 2 or x >= 3, are refuted too. Facts
 // over reals are decided exactly; over integers the check is sound but not
 // complete (elimination of inequalities still reasons as over reals, with
-// rounding on each derived row).
+// rounding on each derived row). A split certificate extends it to cuts,
+// whose derivation needs one case split on an integer term.
 #ifndef ZENLO_THEORY_CHECK_LAFACTCHECKER_H
 #define ZENLO_THEORY_CHECK_LAFACTCHECKER_H
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "theory/check/theoryfact.h"
 
 namespace zenlo {
 
 class TermManager;
+class Term_;
+
+// Evidence for a fact that needs one integer split: `below` and `above`
+// are atoms t <= k and k + 1 <= t over an integer term t. The checker
+// refutes the split's failure (neither holds) and then the fact under
+// each side in turn, so the evidence is checked, not trusted.
+class LaSplitCertificate : public FactCertificate {
+ public:
+  const Term_* below = nullptr;
+  const Term_* above = nullptr;
+};
 
 class LaFactChecker : public TheoryFactChecker {
  public:
@@ -42,6 +55,8 @@ class LaFactChecker : public TheoryFactChecker {
   std::string check(const TheoryFact& fact) override;
 
  private:
+  std::string decide(const std::vector<TheoryLit>& lits);
+
   const TermManager& d_tm;
   size_t d_max_rows;
 };

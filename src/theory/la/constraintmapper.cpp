@@ -1,5 +1,7 @@
 #include "theory/la/constraintmapper.h"
 
+#include <algorithm>
+
 namespace zenlo {
 namespace la {
 
@@ -63,6 +65,15 @@ void ConstraintMapper::remove_vars_upto(int var) {
     d_equations.erase(d_order.back().second);
     d_order.pop_back();
   }
+}
+
+const LinearSum* ConstraintMapper::sum_of(int slack) const {
+  auto it = std::lower_bound(
+      d_order.begin(),
+      d_order.end(),
+      slack,
+      [](const std::pair<int, LinearSum>& e, int v) { return e.first < v; });
+  return it != d_order.end() && it->first == slack ? &it->second : nullptr;
 }
 
 }  // namespace la

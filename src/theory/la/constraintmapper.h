@@ -38,6 +38,10 @@ class ConstraintMapper {
 
   size_t num_equations() const { return d_order.size(); }
 
+  // Returns: the sum that `slack` stands for, or null for a variable that
+  //   is no slack.
+  const LinearSum* sum_of(int slack) const;
+
  private:
   struct SumHash {
     size_t operator()(const LinearSum& s) const {

@@ -151,6 +151,16 @@ class Solver {
   bool get_lower_bound(int x, DNumber& out) const;
   bool get_upper_bound(int x, DNumber& out) const;
 
+  // Returns: the constraint behind x's lower (upper) bound; -1 without
+  //   one, or for the temporary bound of a disequality split.
+  int lower_constraint(int x) const {
+    return d_lower[x].present ? d_lower[x].constraint : -1;
+  }
+
+  int upper_constraint(int x) const {
+    return d_upper[x].present ? d_upper[x].constraint : -1;
+  }
+
   const Tableau& tableau() const { return d_tab; }
 
   const Stats& stats() const { return d_stats; }

@@ -166,6 +166,7 @@ void LaSolverInterface::retract_atom(const Term_* atom) {
   AtomInfo info = d_atoms.back();
   d_atoms.pop_back();
   d_branch.reset();
+  d_cut.reset();
   d_atom_index.erase(atom);
   if (d_refused == atom) {
     d_refused = nullptr;
@@ -225,6 +226,7 @@ void LaSolverInterface::pop_backtrack_point() {
   size_t mark = d_split_marks.back();
   d_split_marks.pop_back();
   d_branch.reset();
+  d_cut.reset();
   for (size_t i = mark; i < d_split_log.size(); ++i) {
     const Term_* eq = d_split_log[i];
     if (std::find(d_splits.begin(), d_splits.end(), eq) == d_splits.end()) {
@@ -336,7 +338,7 @@ bool LaSolverInterface::check(bool approx) {
     }
     // A relaxed solution with a fractional integer is no model: the
     // branch lemma waits and the search goes on.
-    d_model_ok = !d_branch.has_value();
+    d_model_ok = !d_branch.has_value() && !d_cut.has_value();
   }
   return true;
 }
@@ -385,15 +387,20 @@ bool LaSolverInterface::has_lemmas() {
                                   return !d_atom_index.contains(eq);
                                 }),
                  d_splits.end());
-  return !d_units.empty() || !d_splits.empty() || d_branch.has_value();
+  return !d_units.empty() || !d_splits.empty() || d_branch.has_value()
+         || d_cut.has_value();
 }
 
 //   unit:   the value of an atom without variables, e.g. 1 <= 2
 //   split:  a = b  or  not a <= b  or  not b <= a
 //   branch: x <= f  or  f + 1 <= x
+//   cut:    not all of the row's bounds, or the cut
 TheoryLemma LaSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
   if (d_branch) {
     return branch_lemma(clause);
+  }
+  if (d_cut) {
+    return cut_lemma(clause);
   }
   if (!d_units.empty()) {
     TheoryLit l = d_units.back();
@@ -506,6 +513,7 @@ TheorySolver::Stats LaSolverInterface::get_stats() const {
       {"num disequality splits", std::to_string(s.diseq_splits)},
       {"num equalities split", std::to_string(d_num_splits)},
       {"num branch and bound lemmas", std::to_string(d_num_branches)},
+      {"num cuts", std::to_string(d_num_cuts)},
       {"num equational conflicts", std::to_string(d_num_dio_conflicts)},
   };
 }

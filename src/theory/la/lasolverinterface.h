@@ -36,8 +36,10 @@
 
 #include "base/configuration.h"
 #include "terms/hashtable.h"
+#include "theory/check/lafactchecker.h"
 #include "theory/la/constraintmapper.h"
 #include "theory/la/diophantinesystem.h"
+#include "theory/la/gomorycut.h"
 #include "theory/la/lasolver.h"
 #include "theory/la/linearterm.h"
 #include "theory/theorysolver.h"
@@ -86,6 +88,9 @@ class LaSolverInterface : public TheorySolver {
 
   Stats get_stats() const override;
 
+  // The split behind the cut just given, once, for the fact checks.
+  const FactCertificate* fact_certificate() const override;
+
   // Returns: whether the solver takes this atom: an equality between
   //   numeric terms, or <=.
   bool should_handle(const Term_* term) const;
@@ -124,6 +129,15 @@ class LaSolverInterface : public TheorySolver {
     QNumber floor;
   };
 
+  // A cut lemma waiting for the search: not all of `reason` (bound
+  // constraints) hold, or the cut atom does.
+  struct Cut {
+    std::vector<int> reason;
+    const Term_* atom;
+    const Term_* below;  // the split that justifies it
+    const Term_* above;
+  };
+
   struct Level {
     size_t queue;
   };
@@ -146,6 +160,12 @@ class LaSolverInterface : public TheorySolver {
   int pick_branch_var();
   void branch_floor(int x, QNumber& out) const;
   TheoryLemma branch_lemma(std::vector<TheoryLit>& clause);
+  bool make_cut(int x);
+  bool is_integral(int var) const;
+  bool expand(const std::vector<std::pair<int, QNumber>>& sum,
+              std::vector<std::pair<int, QNumber>>& out);
+  const Term_* make_sum_term(const std::vector<std::pair<int, QNumber>>& sum);
+  TheoryLemma cut_lemma(std::vector<TheoryLit>& clause);
 
   // ---- Model ---------------------------------------------------------------
   const Term_* eval_linear(const Term_* term);
@@ -190,9 +210,17 @@ class LaSolverInterface : public TheorySolver {
   std::vector<QNumber> d_dio_coeffs;
   std::optional<Branch> d_branch;
   size_t d_branch_cursor = 0;  // where in int_vars the next choice starts
+  std::optional<Cut> d_cut;
+  uint64_t d_int_rounds = 0;  // integer checks that found a fractional var
+  la::GomoryCut d_gomory;
+  std::vector<la::GomoryCut::Column> d_gomory_row;  // scratch
+  std::vector<std::pair<int, QNumber>> d_expanded;  // scratch
+  mutable LaSplitCertificate d_certificate;
+  mutable bool d_certificate_fresh = false;
 
   uint64_t d_num_splits = 0;
   uint64_t d_num_branches = 0;
+  uint64_t d_num_cuts = 0;
   uint64_t d_num_dio_conflicts = 0;
 };
 

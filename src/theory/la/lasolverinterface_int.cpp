@@ -35,16 +35,22 @@ void LaSolverInterface::note_int_equation(int c, const la::LinearTerm& lin) {
 }
 
 // Returns: false with d_conflict set when the pushed equalities have no
-//   integer solution. Otherwise d_branch holds a lemma exactly when some
-//   integer variable is not integral.
+//   integer solution. Otherwise d_branch or d_cut holds a lemma exactly
+//   when some integer variable is not integral.
 bool LaSolverInterface::check_integers() {
   d_branch.reset();
+  d_cut.reset();
   int x = pick_branch_var();
   if (x < 0) {
     return true;
   }
   if (!check_diophantine()) {
     return false;
+  }
+  // Every other round tries a cut first: branching alone can follow a
+  // thin sliver of the relaxation without end, cuts alone stall.
+  if (++d_int_rounds % 2 == 0 && make_cut(x)) {
+    return true;
   }
   QNumber f;
   branch_floor(x, f);

@@ -203,6 +203,42 @@ TEST_F(LaFactCheckerTest, BranchLemmasAreValidOverIntegersOnly) {
   EXPECT_FALSE(refuted({~leq(i, num(2)), ~leq(num(4), i)}));
 }
 
+// A cut comes with the split that justifies it; the checker re-derives
+// the split and the fact under each side, and trusts neither.
+TEST_F(LaFactCheckerTest, SplitCertificatesAreCheckedNotTrusted) {
+  auto with_split =
+      [this](const Lits& lits, const Term_* below, const Term_* above) {
+        LaSplitCertificate cert;
+        cert.below = below;
+        cert.above = above;
+        TheoryFact fact{TheoryFactKind::Lemma, lits, &cert};
+        return checker.check(fact);
+      };
+  // Over i + y >= 1/2, i - y <= 1/2, y >= 0 every integer i forces
+  // y >= 1/2; the fact negates that.
+  const Term_* half = num("1/2");
+  Lits fact{leq(half, plus(i, y)),
+            leq(minus(i, y), half),
+            leq(num(0), y),
+            lt(y, half)};
+  const Term_* below = tm.make_leq(i, num(0));
+  const Term_* above = tm.make_leq(num(1), i);
+  EXPECT_EQ(with_split(fact, below, above), "");
+  // A split with a gap, or over a real term, covers nothing.
+  EXPECT_NE(with_split(fact, below, tm.make_leq(num(2), i)).find("gap"),
+            std::string::npos);
+  EXPECT_NE(with_split(fact, tm.make_leq(y, num(0)), tm.make_leq(num(1), y))
+                .find("gap"),
+            std::string::npos);
+  // A fact that one side does not refute stays unrefuted: y < 1 is no
+  // contradiction under either side.
+  Lits weaker{leq(half, plus(i, y)),
+              leq(minus(i, y), half),
+              leq(num(0), y),
+              lt(y, num(2))};
+  EXPECT_NE(with_split(weaker, below, above).find("under"), std::string::npos);
+}
+
 TEST_F(LaFactCheckerTest, IntegerEqualitiesWithoutSolutions) {
   EXPECT_TRUE(refuted({eq(plus(times(2, i), times(2, j)), num(1))}));
   EXPECT_TRUE(

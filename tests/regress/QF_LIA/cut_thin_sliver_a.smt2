@@ -1,0 +1,15 @@
+; Huge coefficients leave a thin unbounded sliver of the relaxation without
+; integer points; branching alone followed it past any limit, cuts end it.
+(set-logic QF_LIA)
+(declare-fun i0 () Int)
+(declare-fun i1 () Int)
+(declare-fun i2 () Int)
+(declare-fun i3 () Int)
+(declare-fun b4 () Bool)
+(assert (! (not (not (= (- (- i2) (* (- 5) i2)) (- (+ i2 i2 i3) (- i0 5))))) :named _n769043808))
+(assert (or (not (>= (ite (< i3 i0) i0 i2) (- (+ i2 i2 i3) (ite (<= i1 i3) i2 2)))) (= (ite (< i0 i2) (- (- 3) i0) (+ 3 i3)) (+ (* 1 5) i1)) (>= (- (+ i3 i3) (- i3)) (* 6 (* i1 5)))))
+(assert (or (xor (= (ite (< (- i3 i0) (- 2)) (< i2 i2) (>= (ite (< (- i0 i3) 3) 1 (- i1 i1)) (* 10 i3))) (ite (<= i2 i3) (<= (+ (+ 1 i0 i3) i1) (+ (ite (<= i2 i0) i1 i3) (* 4611686018427387905 (- 2)) i3)) (> i1 7))) (= (<= (- i2 i3) 0) b4)) (xor (and (ite (= (- (* 1 2)) (+ (* 2 1) i3 (ite (<= (- i3 i1) (- 2)) i1 i0))) (<= (- i1 i3) 1) (<= (+ i1 (- i3 i3)) i1)) (ite (> (* 1 (+ i0 i0)) (ite (>= i2 (+ i1 i2)) (- i1) i3)) (= (* 1 2) (+ (+ (- 18446744073709551629) 18446744073709551629 i0) (- i2 i2))) (= i0 (* (+ 2 (- 6) 6) 0))) (or b4 (distinct i2 i2))) (= (ite (>= (* 10 (+ i3 i0)) i1) (< (- 6) (+ (* i2 7) (+ i0 i0))) (> (- (- 6) (+ i2 i3 i0)) (+ (- i2) (+ i0 18446744073709551629 i0)))) (xor (>= (* 10 (+ i0 i0)) i2) b4)))))
+(assert (or (= (+ (- i2) (* (- 2) i0) (- 2)) (* (- 1) (* (- 4) i1))) (> i3 i0)))
+(assert (or (< i1 i2) (>= i1 i0)))
+(set-info :status sat)
+(check-sat)
