@@ -295,8 +295,20 @@ void SmtLib2AbstractParser::reset() {
   generic_command("reset");
 }
 
-std::string unquote_symbol(std::string_view text) {
+namespace {
+// |1| and || are names with their bars (see the scanner).
+bool keeps_bars(std::string_view text) {
   if (text.size() < 2 || text.front() != '|' || text.back() != '|') {
+    return false;
+  }
+  std::string_view inner = text.substr(1, text.size() - 2);
+  return inner.empty() || is_number_name(inner);
+}
+}  // namespace
+
+std::string unquote_symbol(std::string_view text) {
+  if (text.size() < 2 || text.front() != '|' || text.back() != '|'
+      || keeps_bars(text)) {
     return std::string(text);
   }
   std::string out;
@@ -317,6 +329,9 @@ bool is_command_name(std::string_view name) {
 std::string quote_symbol(std::string_view name) {
   static const char* const reserved[] = {
       "as", "_", "let", "!", "forall", "exists", "par", "match"};
+  if (keeps_bars(name)) {
+    return std::string(name);
+  }
   bool simple = !name.empty() && !(name[0] >= '0' && name[0] <= '9');
   for (char c : name) {
     bool ok = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z')

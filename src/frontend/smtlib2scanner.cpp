@@ -281,6 +281,11 @@ void SmtLib2Scanner::scan_quoted(Tok& t) {
       throw ParserInterface::error("unterminated quoted symbol");
     }
     if (c == '|') {
+      // The term store names numbers by their value, so |1| keeps its bars
+      // as part of its name; so does the empty name.
+      if (t.text.empty() || is_number_name(t.text)) {
+        t.text = "|" + t.text + "|";
+      }
       return;
     }
     if (c == '\\' && peek_char() == '|') {
@@ -315,6 +320,28 @@ void SmtLib2Scanner::scan_hash(Tok& t) {
   if (!ok) {
     unrecognized(t, std::string("#") + static_cast<char>(base) + t.text);
   }
+}
+
+// The term store names numbers by their value ("5", "-1/2", "5_8" for a
+// bit-vector, "5_8_23" for a float); a user symbol of such a name would
+// be taken for the number.
+bool is_number_name(std::string_view s) {
+  size_t i = s.size() > 1 && s[0] == '-' ? 1 : 0;
+  size_t digits = 0, seps = 0;
+  char sep = 0;
+  for (; i < s.size(); ++i) {
+    if (s[i] >= '0' && s[i] <= '9') {
+      ++digits;
+    } else if ((s[i] == '/' || s[i] == '_') && digits > 0
+               && (sep == 0 || sep == s[i])) {
+      sep = s[i];
+      ++seps;
+      digits = 0;
+    } else {
+      return false;
+    }
+  }
+  return digits > 0 && (sep != '/' || seps == 1);
 }
 
 }  // namespace zenlo

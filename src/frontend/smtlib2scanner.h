@@ -6,17 +6,23 @@
 //
 // Reserved words are plain symbols here: the grammar recognises them, and
 // only when they were written without bars, so `|assert|` stays a name.
-// The text of a quoted symbol is its name without the bars; a string's is
-// its content with doubled quotes merged.
+// The text of a quoted symbol is its name without the bars, except where
+// that name would read as a number (|1|, |-2|) or is empty: those keep
+// their bars. A string's is its content with doubled quotes merged.
 #ifndef ZENLO_FRONTEND_SMTLIB2SCANNER_H
 #define ZENLO_FRONTEND_SMTLIB2SCANNER_H
 
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zenlo {
+
+// Returns: whether `s` is how the term store names a number ("5", "-1/2",
+//   "5_8" for a bit-vector, "5_8_23" for a float).
+bool is_number_name(std::string_view s);
 
 enum class Token : uint8_t {
   LParen,

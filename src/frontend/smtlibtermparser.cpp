@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "frontend/smtlib2scanner.h"
 #include "frontend/smtlibhandlers.h"
 #include "terms/termvisitor.h"
 
@@ -48,28 +49,6 @@ namespace {
 
 [[noreturn]] void unknown(std::string_view name) {
   throw perror("unknown symbol: " + std::string(name));
-}
-
-// The term store names numbers by their value ("5", "-1/2", "5_8" for a
-// bit-vector, "5_8_23" for a float); a user symbol of such a name would
-// be taken for the number.
-bool is_number_name(std::string_view s) {
-  size_t i = s.size() > 1 && s[0] == '-' ? 1 : 0;
-  size_t digits = 0, seps = 0;
-  char sep = 0;
-  for (; i < s.size(); ++i) {
-    if (s[i] >= '0' && s[i] <= '9') {
-      ++digits;
-    } else if ((s[i] == '/' || s[i] == '_') && digits > 0
-               && (sep == 0 || sep == s[i])) {
-      sep = s[i];
-      ++seps;
-      digits = 0;
-    } else {
-      return false;
-    }
-  }
-  return digits > 0 && (sep != '/' || seps == 1);
 }
 
 // Symbols of ours that the SMT-LIB 2 standard does not define: a script

@@ -569,8 +569,14 @@ TEST_F(SmtLib2ParserTest, DeclarationsAndBuiltInNames) {
             "`and' is a built-in function (line: 1)");
   EXPECT_EQ(error_of([&] { script("(declare-fun RNE () Bool)"); }),
             "`RNE' is already defined (line: 1)");
-  EXPECT_EQ(error_of([&] { script("(declare-fun |-3| () Int)"); }),
+  // A name that reads as a number is refused unquoted; quoted, it keeps
+  // its bars and is no number.
+  EXPECT_EQ(error_of([&] { script("(declare-fun -3 () Int)"); }),
             "`-3' is reserved for numbers (line: 1)");
+  script("(declare-fun |-3| () Int) (declare-fun || () Int)");
+  EXPECT_EQ(term("|-3|"), var("|-3|", i));
+  EXPECT_NE(term("|-3|"), num(-3));
+  EXPECT_EQ(term("||"), var("||", i));
   // Our extensions give way to a script's own symbols.
   script("(declare-fun pi () Int) (declare-fun ~ (Int) Int)");
   EXPECT_EQ(term("pi"), var("pi", i));
