@@ -86,10 +86,9 @@ static void test_incremental_rounds(void) {
   zenlo_assert_formula(env, zenlo_make_leq(env, num(env, 0), y));
   zenlo_assert_formula(
       env,
-      zenlo_make_leq(
-          env,
-          zenlo_make_plus(env, times(env, 2, x), times(env, 2, y)),
-          num(env, 21)));
+      zenlo_make_leq(env,
+                     zenlo_make_plus(env, times(env, 2, x), times(env, 2, y)),
+                     num(env, 21)));
   zenlo_term sum = zenlo_make_plus(env, times(env, 3, x), times(env, 5, y));
   long pages_at_1000 = 0;
   int wrong = 0, bad_models = 0;
