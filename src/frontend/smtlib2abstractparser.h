@@ -227,6 +227,10 @@ class SmtLib2AbstractParser {
   // ParserInterface::error; an override must throw as well.
   virtual void handle_error(const std::string& message);
 
+  // Called when an assert command fails, with the failure's message, before
+  // the failure is reported. The default does nothing.
+  virtual void assertion_refused(const std::string& message);
+
   // ------------------------------------------------------------------
   // Names and terms. These are called while a command is read.
   // ------------------------------------------------------------------

@@ -194,6 +194,8 @@ void SmtLib2AbstractParser::fail(const std::string& message) {
   throw ParserInterface::error(message);
 }
 
+void SmtLib2AbstractParser::assertion_refused(const std::string&) {}
+
 void SmtLib2AbstractParser::handle_error(const std::string& message) {
   throw ParserInterface::error(message);
 }
@@ -665,9 +667,16 @@ void SmtLib2AbstractParser::Grammar::cmd_push_pop(bool push) {
 }
 
 void SmtLib2AbstractParser::Grammar::cmd_assert() {
-  const Term_* t = read_term();
-  no_arguments();
-  d_p.assert_formula(t);
+  try {
+    const Term_* t = read_term();
+    no_arguments();
+    d_p.assert_formula(t);
+  } catch (const TerminationTest::terminated&) {
+    throw;
+  } catch (const Exception& e) {
+    d_p.assertion_refused(e.message());
+    throw;
+  }
 }
 
 void SmtLib2AbstractParser::Grammar::cmd_set_option() {

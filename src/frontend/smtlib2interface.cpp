@@ -232,6 +232,8 @@ void SmtLib2Interface::reset_session_state() {
   d_assumption_proxies.clear();
   d_parsed_terms.clear();
   d_pops_since_gc = 0;
+  d_refused.clear();
+  d_depth = 0;
 }
 
 void SmtLib2Interface::do_gc() {

@@ -145,6 +145,7 @@ class SmtLib2Interface : public ToplevelInterface,
   void check_sat_assumptions(const TermList& terms) override;
   void get_unsat_assumptions() override;
   void reset_assertions() override;
+  void assertion_refused(const std::string& message) override;
   void generic_command(const std::string& name) override;
   void generic_command(const std::string& name,
                        const std::vector<std::string>& texts) override;
@@ -352,6 +353,16 @@ class SmtLib2Interface : public ToplevelInterface,
   int d_last_result = -1;  // 1 sat, 0 unsat, -1 unknown
   std::string d_status;    // from :status, empty when unknown
   std::string d_reason_unknown;
+
+  // Assert commands that failed, by the push depth they failed at: while
+  // one is in scope, sat is not an answer, since the script meant more.
+  struct RefusedAssertion {
+    size_t depth;
+    std::string message;
+  };
+
+  std::vector<RefusedAssertion> d_refused;
+  size_t d_depth = 0;
   bool d_model_available = false;
   // Nothing lives on the environment yet: no name, assertion, level or
   // check since it was made.

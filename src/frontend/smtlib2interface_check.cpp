@@ -115,6 +115,12 @@ int SmtLib2Interface::solve_now(const TermList* assumptions) {
     if (r < 0) {
       d_reason_unknown = "incomplete";
     }
+    if (r > 0 && !d_refused.empty()) {
+      // Unsat of a part is unsat of the whole; sat of a part is nothing.
+      d_reason_unknown =
+          "an assertion was refused: " + d_refused.front().message;
+      return -1;
+    }
     return r;
   } catch (const TerminationTest::terminated& e) {
     d_reason_unknown = e.message();

@@ -149,6 +149,7 @@ void SmtLib2Interface::push(size_t n) {
   d_model_available = false;
   for (size_t i = 0; i < n; ++i) {
     push_backtrack_point(d_env.get());
+    ++d_depth;
     if (!d_global_declarations) {
       d_function_scopes.emplace_back();
       d_sort_scopes.emplace_back();
@@ -166,6 +167,12 @@ void SmtLib2Interface::pop(size_t n) {
   // the levels the environment still has.
   for (size_t i = 0; i < n; ++i) {
     pop_backtrack_point(d_env.get());
+    if (d_depth > 0) {
+      --d_depth;
+    }
+    while (!d_refused.empty() && d_refused.back().depth > d_depth) {
+      d_refused.pop_back();
+    }
     if (!d_global_declarations) {
       undo_scopes_to_mark();
     }
@@ -249,6 +256,12 @@ void SmtLib2Interface::reset_assertions() {
   d_assumptions.clear();
   d_false_assumption = nullptr;
   d_assumption_proxies.clear();
+  d_refused.clear();
+  d_depth = 0;
+}
+
+void SmtLib2Interface::assertion_refused(const std::string& message) {
+  d_refused.push_back(RefusedAssertion{d_depth, message});
 }
 
 }  // namespace zenlo

@@ -170,7 +170,32 @@ TEST(SmtLib2InterfaceTest, ErrorsAnswerAndTheScriptGoesOn) {
       "(error \"unknown command: foo\")\n"
       "success\n"
       "(error \"syntax error, unexpected ')', expecting '(' (line: 7)\")\n"
-      "sat\n");
+      // Three assertions were refused, so sat would be a guess.
+      "unknown\n");
+}
+
+TEST(SmtLib2InterfaceTest, RefusedAssertionsHoldBackSatUntilPopped) {
+  std::string out = output(
+      "(declare-fun a () Bool)\n"
+      "(push 1)\n"
+      "(assert (and a b))\n"
+      "(check-sat)\n"
+      "(get-info :reason-unknown)\n"
+      "(pop 1)\n"
+      "(check-sat)\n"
+      "(assert (and a c))\n"
+      "(assert (not a))\n"
+      "(assert a)\n"
+      "(check-sat)\n");
+  EXPECT_EQ(out,
+            "(error \"unknown symbol: b (line: 3)\")\n"
+            "unknown\n"
+            "( :reason-unknown \"an assertion was refused: unknown symbol: b\" "
+            ")\n"
+            "sat\n"
+            "(error \"unknown symbol: c (line: 8)\")\n"
+            // Unsat of what was kept is unsat of what was meant.
+            "unsat\n");
 }
 
 TEST(SmtLib2InterfaceTest, FailedDeclarationsLeaveNoTrace) {
