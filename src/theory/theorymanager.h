@@ -234,8 +234,16 @@ class TheoryManager {
 
   // ---- Theory combination (theorymanager_combination.cpp) ------------------
   void update_interface_terms(const Term_* atom);
+  void add_interface_term(const Term_* t, Var var);
   void undo_theory_combination_info(const Term_* term, Var var);
   int generate_interface_equalities(bool& added);
+  // The pairs (a, b) of interface terms that LA's model and EUF's classes
+  // disagree on, by grouping rather than by the walk over all pairs.
+  void disagreeing_pairs(
+      std::vector<std::pair<const Term_*, const Term_*>>& out);
+  // Returns: the level to go back to (or -1) after making the atom of
+  //   a = b a decision of the search; `added` is set for a new atom.
+  int request_interface_equality(const Term_* a, const Term_* b, bool& added);
 
   // ---- Data ----------------------------------------------------------------
   const Configuration* d_global;
@@ -286,8 +294,12 @@ class TheoryManager {
   std::string d_refusal;
   std::vector<Var> d_late_vars;
 
-  // Theory combination: one frame per told atom (the variable, so far).
+  // Theory combination: one frame per told atom, and the interface terms
+  // with the variable of the atom that brought each, oldest first.
   std::vector<Var> d_comb_frames;
+  TermSet d_iface_set;
+  std::vector<std::pair<Var, const Term_*>> d_iface_trail;
+  TermSet d_iface_seen;  // scratch of one detection walk
   uint64_t d_necessary_ieqs = 0;
   uint64_t d_extra_ieqs = 0;
 

@@ -1,34 +1,50 @@
-// TheoryManager: the hooks of theory combination. Theories share terms;
-// the manager finds the interface terms (terms that solvers of the two
-// groups, EUF-like and the others, must agree on) as atoms are told, and on
-// a full assignment asks the search to decide equalities between them that
-// the solvers' models disagree on.
+// TheoryManager: theory combination between EUF and linear arithmetic.
 //
-// With the solvers of one group only, as long as EUF is the only solver,
-// there is nothing to combine: the detector stops at once and no interface
-// term exists. The detection walk and the generation of interface
-// equalities are written with the first solver of the other group; the
-// frames kept here already scope them by atom.
+// Terms are shared where congruence and arithmetic meet: a numeric
+// application of an uninterpreted function (its value is arithmetic's
+// business, its congruence EUF's), and each numeric argument of an
+// uninterpreted function (arithmetic decides which arguments are equal,
+// and EUF needs to know). These interface terms are found as atoms are
+// told, and go with the atom that brought them.
+//
+// On a full assignment, LA's concrete model and EUF's classes must agree
+// on every pair of interface terms. Each pair they disagree on becomes an
+// equality atom that the search decides (phase true first); both solvers
+// hear it, so the disagreement cannot survive the next full assignment.
+// Since the atoms are between interface terms only, and those are finitely
+// many, the loop ends.
+#include <algorithm>
 #include <ostream>
 
 #include "base/logger.h"
+#include "dpll/dpllsolver.h"
+#include "preprocess/polaritychecker.h"
+#include "terms/termmanager.h"
+#include "theory/euf/eufsolverinterface.h"
 #include "theory/theorymanager.h"
 
 namespace zenlo {
 
+using dpll::var_Undef;
+
 namespace {
+
 constexpr const char* kSection = "TMANAGER";
+constexpr int kEuf = 0;
+constexpr int kLa = 1;
+
+bool is_numeric(const TermManager& tm, const Term_* t) {
+  return tm.is_real_type(t->get_type()) || tm.is_integer_type(t->get_type());
+}
+
+bool is_number_term(const TermManager& tm, const Term_* t) {
+  return t->get_arity() == 0 && tm.is_number(t->get_symbol());
+}
+
 }  // namespace
 
-void TheoryManager::update_interface_terms(const Term_*) {
-  bool euf_like = false;
-  bool others = false;
-  for (int i = 0; i < kNumSolvers; ++i) {
-    if (enabled(i)) {
-      (d_solvers[i]->is_euf_extension() ? euf_like : others) = true;
-    }
-  }
-  if (!euf_like || !others) {
+void TheoryManager::update_interface_terms(const Term_* atom) {
+  if (!enabled(kEuf) || !enabled(kLa) || d_config->interface_eq_policy == 3) {
     if (d_logger != nullptr) {
       (*d_logger)(kSection)
           << loglevel(4)
@@ -37,9 +53,50 @@ void TheoryManager::update_interface_terms(const Term_*) {
     }
     return;
   }
+  Var var = d_comb_frames.back();
+  d_iface_seen.clear();
+  std::vector<const Term_*> stack{atom};
+  while (!stack.empty()) {
+    const Term_* t = stack.back();
+    stack.pop_back();
+    if (!d_iface_seen.insert(t).second) {
+      continue;
+    }
+    stack.insert(stack.end(), t->begin(), t->end());
+    if (t->get_arity() == 0
+        || !d_tm->is_uninterpreted_function(t->get_symbol())) {
+      continue;
+    }
+    if (is_numeric(*d_tm, t)) {
+      add_interface_term(t, var);
+    }
+    for (const Term_* c : *t) {
+      if (is_numeric(*d_tm, c)) {
+        add_interface_term(c, var);
+      }
+    }
+  }
 }
 
-// Pops the frames of the atom of `var`, the youngest told one.
+void TheoryManager::add_interface_term(const Term_* t, Var var) {
+  if (!d_iface_set.insert(t).second) {
+    return;
+  }
+  d_iface_trail.emplace_back(var, t);
+  if (d_logger != nullptr) {
+    (*d_logger)(kSection) << loglevel(4) << "interface term: " << outterm(t)
+                          << endlog;
+  }
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->notify_interface_term(t);
+    }
+  }
+}
+
+// Pops the frames of the atom of `var`, the youngest told one, and the
+// interface terms that it brought (variables grow with age, so those of
+// the atom and of any younger one are at the end of the trail).
 void TheoryManager::undo_theory_combination_info(const Term_*, Var var) {
   while (!d_comb_frames.empty()) {
     Var top = d_comb_frames.back();
@@ -48,12 +105,155 @@ void TheoryManager::undo_theory_combination_info(const Term_*, Var var) {
       break;
     }
   }
+  while (!d_iface_trail.empty() && d_iface_trail.back().first >= var) {
+    const Term_* t = d_iface_trail.back().second;
+    d_iface_trail.pop_back();
+    d_iface_set.erase(t);
+    for (int i = 0; i < kNumSolvers; ++i) {
+      if (enabled(i)) {
+        d_solvers[i]->retract_interface_term(t);
+      }
+    }
+  }
   d_lemma_atoms.erase(var);
+}
+
+// Two passes of grouping: terms with one LA value that EUF keeps apart,
+// chained class by class; and members of one EUF class with different LA
+// values, chained value by value. Chains suffice: once their equalities
+// hold, the classes and the values coincide.
+void TheoryManager::disagreeing_pairs(
+    std::vector<std::pair<const Term_*, const Term_*>>& out) {
+  TheorySolver& la = *d_solvers[kLa];
+
+  struct Entry {
+    const Term_* term;
+    const Term_* value;  // LA's, a number term
+    const Term_* rep;    // EUF's class
+  };
+
+  std::vector<Entry> entries;
+  for (const auto& [var, t] : d_iface_trail) {
+    (void)var;
+    const Term_* v = la.get_model_value(t);
+    if (v == nullptr) {
+      continue;
+    }
+    const Term_* rep = d_euf->get_solver().get_representative(t);
+    if (rep == nullptr) {
+      continue;
+    }
+    entries.push_back({t, v, rep});
+  }
+  auto id = [](const Term_* t) { return t->get_id(); };
+  auto add = [&](const Term_* a, const Term_* b) {
+    if (a != b && !(is_number_term(*d_tm, a) && is_number_term(*d_tm, b))) {
+      out.emplace_back(a, b);
+    }
+  };
+  // Same value, different classes.
+  std::sort(
+      entries.begin(), entries.end(), [&](const Entry& x, const Entry& y) {
+        if (x.value != y.value) {
+          return id(x.value) < id(y.value);
+        }
+        return id(x.rep) < id(y.rep);
+      });
+  for (size_t i = 1; i < entries.size(); ++i) {
+    if (entries[i].value == entries[i - 1].value
+        && entries[i].rep != entries[i - 1].rep) {
+      add(entries[i - 1].term, entries[i].term);
+    }
+  }
+  // Same class, different values.
+  std::sort(
+      entries.begin(), entries.end(), [&](const Entry& x, const Entry& y) {
+        if (x.rep != y.rep) {
+          return id(x.rep) < id(y.rep);
+        }
+        return id(x.value) < id(y.value);
+      });
+  for (size_t i = 1; i < entries.size(); ++i) {
+    if (entries[i].rep == entries[i - 1].rep
+        && entries[i].value != entries[i - 1].value) {
+      add(entries[i - 1].term, entries[i].term);
+    }
+  }
+}
+
+int TheoryManager::request_interface_equality(const Term_* a,
+                                              const Term_* b,
+                                              bool& added) {
+  // One term for the equality whichever side asks: the lower id first and
+  // a number on the right.
+  if (is_number_term(*d_tm, a)
+      || (!is_number_term(*d_tm, b) && b->get_id() < a->get_id())) {
+    std::swap(a, b);
+  }
+  // Unsimplified: the normal form of a - b = 0 may be an atom of the input
+  // that congruence reads as an equation between other terms, so it would
+  // never learn that a and b are equal.
+  const bool simplify = d_tm->simplifications_enabled();
+  d_tm->enable_simplifications(false);
+  const Term_* eq = nullptr;
+  try {
+    eq = d_tm->make_equal(a, b);
+  } catch (...) {
+    d_tm->enable_simplifications(simplify);
+    throw;
+  }
+  d_tm->enable_simplifications(simplify);
+  if (d_tm->get_tag(eq->get_symbol()) != SymbolTag::EQ) {
+    // Folded to a constant: the solvers disagree on a fact of the store.
+    throw error("theory combination: the solvers disagree on "
+                + d_tm->make_equal(a, b)->to_str());
+  }
+  if (d_polarity != nullptr) {
+    d_polarity->add_literal(eq, false);
+    d_polarity->add_literal(eq, true);
+  }
+  Var v = var_of(eq);
+  if (v == var_Undef) {
+    d_in_lemma = true;
+    bool is_new = false;
+    try {
+      is_new = d_dpll->make_proxy(eq, v);
+    } catch (...) {
+      d_in_lemma = false;
+      throw;
+    }
+    d_in_lemma = false;
+    if (is_new) {
+      d_lemma_atoms.insert(v);
+      d_dpll->set_phase(v, true);
+      ++d_necessary_ieqs;
+      added = true;
+      if (d_logger != nullptr) {
+        (*d_logger)(kSection)
+            << loglevel(3) << "added interface equality: " << outterm(eq)
+            << endlog;
+      }
+      return -1;
+    }
+  }
+  d_dpll->set_decision_var(v, true);
+  if (d_dpll->value(v) == l_Undef) {
+    added = true;
+    return -1;
+  }
+  // Assigned, and still the models disagree: a solver did not hear the
+  // literal in the polarity it has. Going back below it tells it again.
+  int level = d_dpll->level(v);
+  if (level == 0) {
+    throw error("theory combination: the solvers disagree on " + eq->to_str()
+                + " at level 0");
+  }
+  return level - 1;
 }
 
 int TheoryManager::generate_interface_equalities(bool& added) {
   added = false;
-  if (!enabled(0)) {
+  if (!enabled(kEuf) || d_euf == nullptr) {
     if (d_logger != nullptr) {
       (*d_logger)(kSection)
           << loglevel(4)
@@ -71,8 +271,35 @@ int TheoryManager::generate_interface_equalities(bool& added) {
     }
     return -1;
   }
-  // No interface term exists without a solver of the second group.
-  return -1;
+  if (!enabled(kLa) || d_iface_trail.empty()) {
+    return -1;
+  }
+  for (int i = 0; i < kNumSolvers; ++i) {
+    if (enabled(i)) {
+      d_solvers[i]->build_abstract_model();
+    }
+  }
+  std::vector<std::pair<const Term_*, const Term_*>> pairs;
+  disagreeing_pairs(pairs);
+  size_t limit = d_config->interface_eq_batch_size > 0
+                     ? static_cast<size_t>(d_config->interface_eq_batch_size)
+                     : pairs.size();
+  int answer = -1;
+  size_t made = 0;
+  for (const auto& [a, b] : pairs) {
+    if (made++ >= limit) {
+      break;
+    }
+    int level = request_interface_equality(a, b, added);
+    if (level >= 0 && (answer < 0 || level < answer)) {
+      answer = level;
+    }
+  }
+  if (!pairs.empty() && d_logger != nullptr) {
+    (*d_logger)(kSection) << loglevel(3) << "generated " << pairs.size()
+                          << " interface equalities" << endlog;
+  }
+  return answer;
 }
 
 }  // namespace zenlo

@@ -94,7 +94,9 @@ bool LaSolverInterface::mixes_uf(const Term_* atom) const {
 bool LaSolverInterface::wants_split_now(const Term_* atom) const {
   bool filtering =
       d_config->la.pure_equality_filtering || d_config->pure_literal_filtering;
-  return !filtering || d_polarity == nullptr
+  // Between shared terms, a disequality that EUF holds must hold here as
+  // well, or the two models could never agree.
+  return !filtering || d_polarity == nullptr || d_num_iface > 0
          || (*d_polarity)(atom) != PolarityChecker::kPositive;
 }
 
@@ -107,7 +109,10 @@ void LaSolverInterface::queue_split(AtomInfo& info) {
 // but gets no constraint; every check throws until it is gone.
 std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
   bool handle = should_handle(atom);
-  if (!handle && !mixes_uf(atom)) {
+  // With EUF beside, an application is a variable here and theory
+  // combination makes the two agree on it.
+  bool alone = !combining();
+  if (!handle && !(alone && mixes_uf(atom))) {
     return {false, false};
   }
   AtomInfo info;
@@ -117,9 +122,9 @@ std::pair<bool, bool> LaSolverInterface::tell_atom(const Term_* atom) {
   d_atom_index.insert(atom, static_cast<int>(d_atoms.size()));
   try {
     if (!handle || d_tm->get_tag(atom->get_symbol()) == SymbolTag::INT_MOD_CONGR
-        || mixes_uf(atom)) {
-      // Congruences need integer reasoning, and arithmetic under
-      // uninterpreted functions needs theory combination; neither is here.
+        || (alone && mixes_uf(atom))) {
+      // Congruences reach the solver encoded; arithmetic under
+      // uninterpreted functions needs EUF beside.
       throw la::LinearTermMapper::error("unsupported term: " + atom->to_str());
     }
     d_mapper.make_linear(atom, false, d_lin);
@@ -306,6 +311,9 @@ bool LaSolverInterface::check(bool approx) {
   if (d_refused != nullptr) {
     throw error(d_refusal);
   }
+  if (d_iface_refused != nullptr) {
+    throw error(d_iface_refusal);
+  }
   d_model_ok = false;
   if (!push_queue() || !d_solver.check(approx)) {
     take_conflict();
@@ -438,42 +446,6 @@ void LaSolverInterface::retract_lemma(void* data) {
   if (d_atom_index.contains(l.atom())) {
     d_units.push_back(l);
   }
-}
-
-// ---------------------------------------------------------------------------
-// Models
-// ---------------------------------------------------------------------------
-
-void LaSolverInterface::build_model() {
-  if (d_model_ok) {
-    d_solver.build_model();
-  }
-}
-
-const Term_* LaSolverInterface::get_model_value(const Term_* term) {
-  if (!d_model_ok) {
-    return nullptr;
-  }
-  const Type* t = term->get_type();
-  if (!d_tm->is_real_type(t) && !d_tm->is_integer_type(t)) {
-    return nullptr;
-  }
-  int v = d_mapper.variable(term, true);
-  if (v < 0) {
-    return nullptr;  // evaluated from its arguments' values
-  }
-  return d_tm->make_number(d_solver.get_value(v));
-}
-
-lbool LaSolverInterface::equal_in_model(const Term_* a, const Term_* b) {
-  int x = d_mapper.variable(a, true);
-  int y = d_mapper.variable(b, true);
-  if (x < 0 || y < 0) {
-    return l_Undef;
-  }
-  return d_solver.get_abstract_value(x) == d_solver.get_abstract_value(y)
-             ? l_True
-             : l_False;
 }
 
 bool LaSolverInterface::is_alien(const Term_* term) {

@@ -81,10 +81,13 @@ class LaSolverInterface : public TheorySolver {
   void build_model() override;
   const Term_* get_model_value(const Term_* term) override;
 
-  void build_abstract_model() override {}
+  // The concrete model, which theory combination compares with EUF's.
+  void build_abstract_model() override;
 
   lbool equal_in_model(const Term_* a, const Term_* b) override;
   bool is_alien(const Term_* term) override;
+  void notify_interface_term(const Term_* term) override;
+  void retract_interface_term(const Term_* term) override;
 
   Stats get_stats() const override;
 
@@ -146,6 +149,11 @@ class LaSolverInterface : public TheorySolver {
   int new_constraint(TheoryLit lit, const la::LinearTerm& lin);
   bool wants_split_now(const Term_* atom) const;
   bool mixes_uf(const Term_* atom) const;
+  // Whether EUF is beside, so that applications are shared terms.
+  bool combining() const;
+  // Returns: whether `t` is a linear term over known variables, with its
+  //   value in the concrete model in `out`.
+  bool model_value(const Term_* t, QNumber& out);
   void queue_split(AtomInfo& info);
 
   // ---- Checking ------------------------------------------------------------
@@ -196,6 +204,11 @@ class LaSolverInterface : public TheorySolver {
 
   const Term_* d_refused = nullptr;
   std::string d_refusal;
+  // Theory combination: how many numeric interface terms there are, and
+  // the first that is not linear (the checks throw while it stays).
+  int d_num_iface = 0;
+  const Term_* d_iface_refused = nullptr;
+  std::string d_iface_refusal;
   bool d_model_ok = false;
   la::LinearTerm d_lin;  // scratch
 

@@ -205,6 +205,9 @@ void LinearTermMapper::make_linear(const Term_* t,
         }
         d_stack.emplace_back(s->get_child(0), a / value);
         break;
+      // (floor a) is an integer of its own: the encoder ties it to a by
+      // k <= a < k + 1, so the relaxation never needs to look inside.
+      case SymbolTag::FLOOR:
       case SymbolTag::UNKNOWN:
       case SymbolTag::ITE:
         add_monomial(variable(s, false), a, out.monomials);

@@ -1,0 +1,20 @@
+; ARGS: -check.models=true
+; Division by zero is some function of the dividend: equal dividends give
+; equal quotients. (A model cannot show that function, so the answers are
+; compared as text.)
+(set-logic QF_LIA)
+(declare-fun x () Int)
+(declare-fun y () Int)
+(assert (= (div x 0) 3))
+(assert (= (div y 0) 4))
+(assert (= (mod x 0) 5))
+(push 1)
+(assert (= x y))
+(check-sat)
+(pop 1)
+(check-sat)
+(assert (= x 7))
+(check-sat)
+(assert (= (mod y 0) 7))
+(assert (= y 5))
+(check-sat)
