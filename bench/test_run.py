@@ -279,6 +279,16 @@ class SmtModels(unittest.TestCase):
         self.assertEqual(len(smt2_models.check_output(
             script, "sat\n( (x false) )\n").problems), 1)
 
+    def test_division_by_zero_is_whatever_makes_the_model_hold(self):
+        script = ("(set-logic QF_LIA)(declare-fun x () Int)"
+                  "(assert (= (div x 0) 3))(assert ((_ divisible 3) x))"
+                  "(check-sat)")
+        model = "sat\n(model (define-fun x () Int %s))\n"
+        self.assertEqual(
+            smt2_models.check_output(script, model % "6").problems, [])
+        self.assertEqual(
+            len(smt2_models.check_output(script, model % "4").problems), 1)
+
     def test_probed_sat_answer_needs_a_model_unless_not_supported(self):
         script = "(declare-fun x () Bool)(assert x)(check-sat)"
         r = smt2_models.check_output(
