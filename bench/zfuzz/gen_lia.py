@@ -34,9 +34,13 @@ def number(rng):
 def term(rng, sig, depth):
     names = sig.constants("Int")
     r = rng.random()
+    sub = lambda: term(rng, sig, depth - 1)  # noqa: E731
+    funs = sig.functions("Int")
+    if funs and depth > 0 and rng.random() < 0.3:
+        f = rng.choice(funs)
+        return "(%s %s)" % (f, " ".join(sub() for _ in sig.funs[f][0]))
     if depth <= 0 or r < 0.35:
         return rng.choice(names) if rng.random() < 0.8 else number(rng)
-    sub = lambda: term(rng, sig, depth - 1)  # noqa: E731
     if r < 0.6:
         return "(+ %s)" % " ".join(sub() for _ in range(rng.randint(2, 3)))
     if r < 0.7:

@@ -1,5 +1,6 @@
 """The logics that bench/fuzz knows, each with its generator module."""
-from . import gen_bool, gen_bv, gen_lia, gen_lra, gen_uf
+from . import gen_bool, gen_bv, gen_lia, gen_lra, gen_uf, gen_ufla
 
-LOGICS = {g.LOGIC: g for g in (gen_bool, gen_bv, gen_lia, gen_lra, gen_uf)}
+LOGICS = {g.LOGIC: g for g in (gen_bool, gen_bv, gen_lia, gen_lra, gen_uf,
+                               gen_ufla.UFLIA, gen_ufla.UFLRA)}
 DIMACS = "DIMACS"
