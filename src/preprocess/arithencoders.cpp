@@ -27,10 +27,6 @@ const Term_* minus(TermManager& tm, const Term_* a, const Term_* b) {
   return tm.make_plus(a, tm.make_times(num(tm, -1), b));
 }
 
-bool is_number(const TermManager& tm, const Term_* t) {
-  return t->get_arity() == 0 && tm.is_number(t->get_symbol());
-}
-
 // The leaves of a case split over numbers, each with the conjunction of
 // the conditions that lead to it; false when a leaf is no number.
 bool number_leaves(TermManager& tm,
@@ -44,7 +40,7 @@ bool number_leaves(TermManager& tm,
       const Term_* c = u->get_child(0);
       stack.emplace_back(u->get_child(2), tm.make_and(cond, tm.make_not(c)));
       stack.emplace_back(u->get_child(1), tm.make_and(cond, c));
-    } else if (is_number(tm, u)) {
+    } else if (tm.is_number_term(u)) {
       out.emplace_back(cond, u);
     } else {
       return false;
@@ -134,8 +130,8 @@ bool TimesIteEncoder::operator()(TermManager& tm,
 
 bool TimesZeroLineEncoder::operator()(
     TermManager& tm, const Term_* t, const Term_*&, TermList& side, TermList&) {
-  if (t->get_arity() != 2 || is_number(tm, t->get_child(0))
-      || is_number(tm, t->get_child(1))) {
+  if (t->get_arity() != 2 || tm.is_number_term(t->get_child(0))
+      || tm.is_number_term(t->get_child(1))) {
     return false;
   }
   const Term_* a = t->get_child(0);
@@ -162,7 +158,7 @@ bool DivideEncoder::operator()(TermManager& tm,
                                TermList& added) {
   const Term_* a = t->get_child(0);
   const Term_* b = t->get_child(1);
-  if (is_number(tm, b)) {
+  if (tm.is_number_term(b)) {
     return false;
   }
   const Term_* c =

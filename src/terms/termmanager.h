@@ -134,6 +134,11 @@ class TermManager : public SymbolFamilies {
 
   bool is_integer_type(const Type* t) const { return t == d_int_type; }
 
+  // Int or Real.
+  bool is_arithmetic_type(const Type* t) const {
+    return t == d_int_type || t == d_real_type;
+  }
+
   bool is_fprounding_type(const Type* t) const {
     return t == d_fprounding_type;
   }
@@ -178,6 +183,11 @@ class TermManager : public SymbolFamilies {
   SymbolTag::tag get_tag(const Symbol* s) const { return s->d_tag; }
 
   bool is_number(const Symbol* s, QNumber* value = nullptr) const;
+
+  bool is_number_term(const Term_* t) const {
+    return t->get_arity() == 0 && is_number(t->get_symbol());
+  }
+
   // Returns: the value of a number term (for floats, the bit pattern).
   // Throws: error when t is no number.
   const QNumber& get_number_value(const Term_* t) const;
@@ -661,6 +671,26 @@ class TermManager : public SymbolFamilies {
 // The variables free in each subterm of a walked term, as lists sorted by
 // id. Subterms with equal sets share one list, so a deep term with few
 // variables costs little.
+// Turns the simplifier off for a scope, and sets the switch back as it was
+// on every way out. Atoms that a solver makes for the search must keep the
+// form it gave them: simplified, they can come back as other atoms.
+class SimplificationsOff {
+ public:
+  explicit SimplificationsOff(TermManager& tm)
+      : d_tm(tm), d_was_on(tm.simplifications_enabled()) {
+    tm.enable_simplifications(false);
+  }
+
+  ~SimplificationsOff() { d_tm.enable_simplifications(d_was_on); }
+
+  SimplificationsOff(const SimplificationsOff&) = delete;
+  SimplificationsOff& operator=(const SimplificationsOff&) = delete;
+
+ private:
+  TermManager& d_tm;
+  bool d_was_on;
+};
+
 class FreeVariableMap {
  public:
   FreeVariableMap() = default;

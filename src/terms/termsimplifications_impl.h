@@ -25,8 +25,7 @@ inline bool num_value(const TermManager& tm, const Term_* t, QNumber& v) {
 }
 
 inline bool is_arith(const TermManager& tm, const Term_* t) {
-  const Type* type = t->get_type();
-  return tm.is_real_type(type) || tm.is_integer_type(type);
+  return tm.is_arithmetic_type(t->get_type());
 }
 
 inline const Term_* bool_term(const TermManager& tm, bool b) {

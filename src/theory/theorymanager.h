@@ -299,7 +299,8 @@ class TheoryManager {
   std::vector<Var> d_comb_frames;
   TermSet d_iface_set;
   std::vector<std::pair<Var, const Term_*>> d_iface_trail;
-  TermSet d_iface_seen;  // scratch of one detection walk
+  TermSet d_iface_seen;                     // scratch of one detection walk
+  std::vector<const Term_*> d_iface_stack;  // scratch of the same walk
   uint64_t d_necessary_ieqs = 0;
   uint64_t d_extra_ieqs = 0;
 

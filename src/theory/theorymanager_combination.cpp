@@ -30,16 +30,8 @@ using dpll::var_Undef;
 namespace {
 
 constexpr const char* kSection = "TMANAGER";
-constexpr int kEuf = 0;
-constexpr int kLa = 1;
-
-bool is_numeric(const TermManager& tm, const Term_* t) {
-  return tm.is_real_type(t->get_type()) || tm.is_integer_type(t->get_type());
-}
-
-bool is_number_term(const TermManager& tm, const Term_* t) {
-  return t->get_arity() == 0 && tm.is_number(t->get_symbol());
-}
+constexpr int kEuf = static_cast<int>(TheoryId::Euf);
+constexpr int kLa = static_cast<int>(TheoryId::La);
 
 }  // namespace
 
@@ -55,23 +47,23 @@ void TheoryManager::update_interface_terms(const Term_* atom) {
   }
   Var var = d_comb_frames.back();
   d_iface_seen.clear();
-  std::vector<const Term_*> stack{atom};
-  while (!stack.empty()) {
-    const Term_* t = stack.back();
-    stack.pop_back();
+  d_iface_stack.assign(1, atom);
+  while (!d_iface_stack.empty()) {
+    const Term_* t = d_iface_stack.back();
+    d_iface_stack.pop_back();
     if (!d_iface_seen.insert(t).second) {
       continue;
     }
-    stack.insert(stack.end(), t->begin(), t->end());
+    d_iface_stack.insert(d_iface_stack.end(), t->begin(), t->end());
     if (t->get_arity() == 0
         || !d_tm->is_uninterpreted_function(t->get_symbol())) {
       continue;
     }
-    if (is_numeric(*d_tm, t)) {
+    if (d_tm->is_arithmetic_type(t->get_type())) {
       add_interface_term(t, var);
     }
     for (const Term_* c : *t) {
-      if (is_numeric(*d_tm, c)) {
+      if (d_tm->is_arithmetic_type(c->get_type())) {
         add_interface_term(c, var);
       }
     }
@@ -145,40 +137,27 @@ void TheoryManager::disagreeing_pairs(
     }
     entries.push_back({t, v, rep});
   }
-  auto id = [](const Term_* t) { return t->get_id(); };
-  auto add = [&](const Term_* a, const Term_* b) {
-    if (a != b && !(is_number_term(*d_tm, a) && is_number_term(*d_tm, b))) {
-      out.emplace_back(a, b);
+  // Sorted by (key, other), neighbours with one key and different others
+  // are a disagreement.
+  auto chain = [&](const Term_* Entry::*key, const Term_* Entry::*other) {
+    std::sort(
+        entries.begin(), entries.end(), [&](const Entry& x, const Entry& y) {
+          if (x.*key != y.*key) {
+            return (x.*key)->get_id() < (y.*key)->get_id();
+          }
+          return (x.*other)->get_id() < (y.*other)->get_id();
+        });
+    for (size_t i = 1; i < entries.size(); ++i) {
+      const Entry& x = entries[i - 1];
+      const Entry& y = entries[i];
+      if (x.*key == y.*key && x.*other != y.*other && x.term != y.term
+          && !(d_tm->is_number_term(x.term) && d_tm->is_number_term(y.term))) {
+        out.emplace_back(x.term, y.term);
+      }
     }
   };
-  // Same value, different classes.
-  std::sort(
-      entries.begin(), entries.end(), [&](const Entry& x, const Entry& y) {
-        if (x.value != y.value) {
-          return id(x.value) < id(y.value);
-        }
-        return id(x.rep) < id(y.rep);
-      });
-  for (size_t i = 1; i < entries.size(); ++i) {
-    if (entries[i].value == entries[i - 1].value
-        && entries[i].rep != entries[i - 1].rep) {
-      add(entries[i - 1].term, entries[i].term);
-    }
-  }
-  // Same class, different values.
-  std::sort(
-      entries.begin(), entries.end(), [&](const Entry& x, const Entry& y) {
-        if (x.rep != y.rep) {
-          return id(x.rep) < id(y.rep);
-        }
-        return id(x.value) < id(y.value);
-      });
-  for (size_t i = 1; i < entries.size(); ++i) {
-    if (entries[i].rep == entries[i - 1].rep
-        && entries[i].value != entries[i - 1].value) {
-      add(entries[i - 1].term, entries[i].term);
-    }
-  }
+  chain(&Entry::value, &Entry::rep);  // same value, different classes
+  chain(&Entry::rep, &Entry::value);  // same class, different values
 }
 
 int TheoryManager::request_interface_equality(const Term_* a,
@@ -186,23 +165,18 @@ int TheoryManager::request_interface_equality(const Term_* a,
                                               bool& added) {
   // One term for the equality whichever side asks: the lower id first and
   // a number on the right.
-  if (is_number_term(*d_tm, a)
-      || (!is_number_term(*d_tm, b) && b->get_id() < a->get_id())) {
+  if (d_tm->is_number_term(a)
+      || (!d_tm->is_number_term(b) && b->get_id() < a->get_id())) {
     std::swap(a, b);
   }
   // Unsimplified: the normal form of a - b = 0 may be an atom of the input
   // that congruence reads as an equation between other terms, so it would
   // never learn that a and b are equal.
-  const bool simplify = d_tm->simplifications_enabled();
-  d_tm->enable_simplifications(false);
   const Term_* eq = nullptr;
-  try {
+  {
+    SimplificationsOff raw(*d_tm);
     eq = d_tm->make_equal(a, b);
-  } catch (...) {
-    d_tm->enable_simplifications(simplify);
-    throw;
   }
-  d_tm->enable_simplifications(simplify);
   if (d_tm->get_tag(eq->get_symbol()) != SymbolTag::EQ) {
     // Folded to a constant: the solvers disagree on a fact of the store.
     throw error("theory combination: the solvers disagree on "

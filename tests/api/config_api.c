@@ -2,17 +2,8 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "apicheck.h"
 #include "zenlo.h"
-
-static int failures = 0;
-
-#define CHECK(cond)                                                      \
-  do {                                                                   \
-    if (!(cond)) {                                                       \
-      fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #cond); \
-      ++failures;                                                        \
-    }                                                                    \
-  } while (0)
 
 static void test_set_option(void) {
   zenlo_config cfg = zenlo_create_config();

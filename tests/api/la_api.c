@@ -6,17 +6,8 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "apicheck.h"
 #include "zenlo.h"
-
-static int failures = 0;
-
-#define CHECK(cond)                                                      \
-  do {                                                                   \
-    if (!(cond)) {                                                       \
-      fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #cond); \
-      ++failures;                                                        \
-    }                                                                    \
-  } while (0)
 
 static zenlo_env new_env(void) {
   zenlo_config cfg = zenlo_create_config();
@@ -168,19 +159,6 @@ static void test_refused_input(void) {
   CHECK(ZENLO_ERROR_TERM(zenlo_make_plus(env, x, none)));
   CHECK(ZENLO_ERROR_TERM(zenlo_make_number(env, "not a number")));
   zenlo_destroy_env(env);
-}
-
-static long resident_pages(void) {
-  long size = 0, resident = 0;
-  FILE* f = fopen("/proc/self/statm", "r");
-  if (f == NULL) {
-    return 0;
-  }
-  if (fscanf(f, "%ld %ld", &size, &resident) != 2) {
-    resident = 0;
-  }
-  fclose(f);
-  return resident;
 }
 
 /* Over x >= 0, y >= 0, x + y <= 10: push, x >= k - y/2 (k in 0..14),

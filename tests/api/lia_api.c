@@ -4,17 +4,8 @@
 #include <gmp.h>
 #include <stdio.h>
 
+#include "apicheck.h"
 #include "zenlo.h"
-
-static int failures = 0;
-
-#define CHECK(cond)                                                      \
-  do {                                                                   \
-    if (!(cond)) {                                                       \
-      fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #cond); \
-      ++failures;                                                        \
-    }                                                                    \
-  } while (0)
 
 static zenlo_term int_var(zenlo_env env, const char* name) {
   zenlo_decl d = zenlo_declare_function(env, name, zenlo_get_integer_type(env));
@@ -44,19 +35,6 @@ static long int_value(zenlo_env env, zenlo_term t) {
   long n = mpz_get_si(mpq_numref(q));
   mpq_clear(q);
   return n;
-}
-
-static long resident_pages(void) {
-  long size = 0, resident = 0;
-  FILE* f = fopen("/proc/self/statm", "r");
-  if (f == NULL) {
-    return 0;
-  }
-  if (fscanf(f, "%ld %ld", &size, &resident) != 2) {
-    resident = 0;
-  }
-  fclose(f);
-  return resident;
 }
 
 /* Whether 3x + 5y = k has a solution with x, y >= 0, x + y <= 10. */

@@ -4,17 +4,8 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "apicheck.h"
 #include "zenlo.h"
-
-static int failures = 0;
-
-#define CHECK(cond)                                                      \
-  do {                                                                   \
-    if (!(cond)) {                                                       \
-      fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #cond); \
-      ++failures;                                                        \
-    }                                                                    \
-  } while (0)
 
 /* The last error names `arg`. */
 static void expect_named(zenlo_env env, const char* arg, int line) {

@@ -5,17 +5,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "apicheck.h"
 #include "zenlo.h"
-
-static int failures = 0;
-
-#define CHECK(cond)                                                            \
-  do {                                                                         \
-    if (!(cond)) {                                                             \
-      fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond); \
-      ++failures;                                                              \
-    }                                                                          \
-  } while (0)
 
 #define CHECK_MSG(env, text)                                  \
   do {                                                        \

@@ -39,8 +39,7 @@ bool LaSolverInterface::should_handle(const Term_* term) const {
     case SymbolTag::LEQ:
     case SymbolTag::INT_MOD_CONGR: return true;
     case SymbolTag::EQ: {
-      const Type* t = term->get_child(0)->get_type();
-      return d_tm->is_real_type(t) || d_tm->is_integer_type(t);
+      return d_tm->is_arithmetic_type(term->get_child(0)->get_type());
     }
     default: return false;
   }
@@ -421,11 +420,13 @@ TheoryLemma LaSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
   d_split_log.push_back(eq);
   const Term_* a = eq->get_child(0);
   const Term_* b = eq->get_child(1);
-  bool simplify = d_tm->simplifications_enabled();
-  d_tm->enable_simplifications(false);
-  const Term_* ab = d_tm->make_leq(a, b);
-  const Term_* ba = d_tm->make_leq(b, a);
-  d_tm->enable_simplifications(simplify);
+  const Term_* ab = nullptr;
+  const Term_* ba = nullptr;
+  {
+    SimplificationsOff raw(*d_tm);
+    ab = d_tm->make_leq(a, b);
+    ba = d_tm->make_leq(b, a);
+  }
   clause.push_back(TheoryLit(eq, false));
   clause.push_back(TheoryLit(ab, true));
   clause.push_back(TheoryLit(ba, true));

@@ -65,8 +65,7 @@ const Term_* LaSolverInterface::get_model_value(const Term_* term) {
   if (!d_model_ok) {
     return nullptr;
   }
-  const Type* t = term->get_type();
-  if (!d_tm->is_real_type(t) && !d_tm->is_integer_type(t)) {
+  if (!d_tm->is_arithmetic_type(term->get_type())) {
     return nullptr;
   }
   QNumber value;
@@ -88,8 +87,7 @@ lbool LaSolverInterface::equal_in_model(const Term_* a, const Term_* b) {
 // even where no atom of this solver constrains them. Those variables stay
 // until the atoms told before them go; unconstrained, they cost nothing.
 void LaSolverInterface::notify_interface_term(const Term_* term) {
-  const Type* type = term->get_type();
-  if (!d_tm->is_real_type(type) && !d_tm->is_integer_type(type)) {
+  if (!d_tm->is_arithmetic_type(term->get_type())) {
     return;
   }
   if (d_num_iface++ == 0) {
@@ -112,8 +110,7 @@ void LaSolverInterface::notify_interface_term(const Term_* term) {
 }
 
 void LaSolverInterface::retract_interface_term(const Term_* term) {
-  const Type* type = term->get_type();
-  if (!d_tm->is_real_type(type) && !d_tm->is_integer_type(type)) {
+  if (!d_tm->is_arithmetic_type(term->get_type())) {
     return;
   }
   --d_num_iface;

@@ -139,23 +139,18 @@ bool LaSolverInterface::make_cut(int x) {
     m.second *= scale;
   }
   QNumber bound = (d_gomory.cut_bound() * scale).ceil();
-  bool simplify = d_tm->simplifications_enabled();
-  d_tm->enable_simplifications(false);
+  SimplificationsOff raw(*d_tm);
   const Term_* lhs = make_sum_term(d_expanded);
   cut.atom = d_tm->make_leq(d_tm->make_number(bound), lhs);
   std::vector<std::pair<int, QNumber>> split(d_gomory.split_coeffs());
   split.emplace_back(x, QNumber::one());
-  bool ok = expand(split, d_expanded);
-  if (ok) {
-    const Term_* z = make_sum_term(d_expanded);
-    const QNumber& k = d_gomory.split_floor();
-    cut.below = d_tm->make_leq(z, d_tm->make_number(k));
-    cut.above = d_tm->make_leq(d_tm->make_number(k + QNumber::one()), z);
-  }
-  d_tm->enable_simplifications(simplify);
-  if (!ok) {
+  if (!expand(split, d_expanded)) {
     return false;
   }
+  const Term_* z = make_sum_term(d_expanded);
+  const QNumber& k = d_gomory.split_floor();
+  cut.below = d_tm->make_leq(z, d_tm->make_number(k));
+  cut.above = d_tm->make_leq(d_tm->make_number(k + QNumber::one()), z);
   d_cut = std::move(cut);
   return true;
 }

@@ -131,12 +131,13 @@ bool LaSolverInterface::check_diophantine() {
 TheoryLemma LaSolverInterface::branch_lemma(std::vector<TheoryLit>& clause) {
   Branch b = std::move(*d_branch);
   d_branch.reset();
-  bool simplify = d_tm->simplifications_enabled();
-  d_tm->enable_simplifications(false);
-  const Term_* below = d_tm->make_leq(b.term, d_tm->make_number(b.floor));
-  const Term_* above =
-      d_tm->make_leq(d_tm->make_number(b.floor + QNumber::one()), b.term);
-  d_tm->enable_simplifications(simplify);
+  const Term_* below = nullptr;
+  const Term_* above = nullptr;
+  {
+    SimplificationsOff raw(*d_tm);
+    below = d_tm->make_leq(b.term, d_tm->make_number(b.floor));
+    above = d_tm->make_leq(d_tm->make_number(b.floor + QNumber::one()), b.term);
+  }
   clause.push_back(TheoryLit(below, false));
   clause.push_back(TheoryLit(above, false));
   ++d_num_branches;
