@@ -289,6 +289,17 @@ class SmtModels(unittest.TestCase):
         self.assertEqual(
             len(smt2_models.check_output(script, model % "4").problems), 1)
 
+    def test_a_refused_redeclaration_needs_no_value(self):
+        script = ("(set-logic QF_UF)(define-fun m ((q Bool)) Bool q)"
+                  "(declare-fun m (Bool) Bool)(declare-const x Bool)"
+                  "(declare-fun x (Bool) Bool)(assert (m x))(check-sat)")
+        model = "sat\n(model (define-fun x () Bool %s))\n"
+        self.assertEqual(
+            smt2_models.check_output(script, model % "true").problems, [])
+        self.assertEqual(
+            len(smt2_models.check_output(script, model % "false").problems),
+            1)
+
     def test_probed_sat_answer_needs_a_model_unless_not_supported(self):
         script = "(declare-fun x () Bool)(assert x)(check-sat)"
         r = smt2_models.check_output(

@@ -254,7 +254,12 @@ def snapshots(commands):
         elif head in SORT_COMMANDS:
             frames[-1].append(("sort", c))
         elif head in DECLARATIONS:
-            frames[-1].append(("decl", _as_fun(c)))
+            # A name already declared or defined in scope cannot be
+            # declared again: the solver refuses it and the first stands.
+            if len(c) < 2 or not any(
+                    k in ("decl", "def") and len(i) > 1 and i[1] == c[1]
+                    for f in frames for k, i in f):
+                frames[-1].append(("decl", _as_fun(c)))
         elif head == "assert":
             frames[-1].append(("assert", c))
         elif head not in DROPPED:
