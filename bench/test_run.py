@@ -300,6 +300,15 @@ class SmtModels(unittest.TestCase):
             len(smt2_models.check_output(script, model % "false").problems),
             1)
 
+    def test_missing_value_after_a_reported_error_is_not_wrong(self):
+        script = ("(set-logic QF_UF)(declare-fun u (Bool) Bool)"
+                  "(declare-const x Bool)(assert x)(check-sat)")
+        model = "sat\n(model (define-fun x () Bool true))\n"
+        self.assertEqual(len(smt2_models.check_output(
+            script, model).problems), 1)
+        self.assertEqual(smt2_models.check_output(
+            script, '(error "refused (line: 1)")\n' + model).problems, [])
+
     def test_probed_sat_answer_needs_a_model_unless_not_supported(self):
         script = "(declare-fun x () Bool)(assert x)(check-sat)"
         r = smt2_models.check_output(

@@ -54,6 +54,9 @@ def term(rng, sig, w, depth):
     names = sig.constants(sort(w))
     r = rng.random()
     if depth <= 0 or r < 0.3:
+        apps = sig.functions(sort(w))  # none in QF_BV
+        if apps and depth > 0 and rng.random() < 0.4:
+            return application(rng, sig, rng.choice(apps), depth - 1)
         if names and rng.random() < 0.8:
             return rng.choice(names)
         return number(rng, w)
@@ -85,6 +88,16 @@ def term(rng, sig, w, depth):
         v = rng.choice(sig.sorts)
         return "(bvcomp %s %s)" % (sub(v), sub(v))
     return "(ite %s %s %s)" % (atom(rng, sig, depth - 1), sub(), sub())
+
+
+def application(rng, sig, f, depth):
+    """f applied to terms of its argument widths."""
+    return "(%s %s)" % (f, " ".join(term(rng, sig, _width(a), depth)
+                                    for a in sig.funs[f][0]))
+
+
+def _width(s):
+    return int(s.split()[-1].rstrip(")"))
 
 
 def atom(rng, sig, depth=2):

@@ -1,6 +1,7 @@
 """The logics that bench/fuzz knows, each with its generator module."""
-from . import gen_bool, gen_bv, gen_lia, gen_lra, gen_uf, gen_ufla
+from . import (gen_bool, gen_bv, gen_lia, gen_lra, gen_uf, gen_ufbv,
+               gen_ufla)
 
 LOGICS = {g.LOGIC: g for g in (gen_bool, gen_bv, gen_lia, gen_lra, gen_uf,
-                               gen_ufla.UFLIA, gen_ufla.UFLRA)}
+                               gen_ufla.UFLIA, gen_ufla.UFLRA, gen_ufbv)}
 DIMACS = "DIMACS"

@@ -1,16 +1,18 @@
-// TheoryManager: theory combination between EUF and linear arithmetic.
+// TheoryManager: theory combination between EUF and the theories with
+// values of their own (linear arithmetic, bit-vectors).
 //
-// Terms are shared where congruence and arithmetic meet: a numeric
-// application of an uninterpreted function (its value is arithmetic's
-// business, its congruence EUF's), and each numeric argument of an
-// uninterpreted function (arithmetic decides which arguments are equal,
-// and EUF needs to know). These interface terms are found as atoms are
-// told, and go with the atom that brought them.
+// Terms are shared where congruence and such a theory meet: an
+// application of an uninterpreted function of the theory's sort (its
+// value is the theory's business, its congruence EUF's), and each
+// argument of the theory's sort of an uninterpreted function (the theory
+// decides which arguments are equal, and EUF needs to know). These
+// interface terms are found as atoms are told, and go with the atom that
+// brought them.
 //
-// On a full assignment, LA's concrete model and EUF's classes must agree
-// on every pair of interface terms. Each pair they disagree on becomes an
-// equality atom that the search decides (phase true first); both solvers
-// hear it, so the disagreement cannot survive the next full assignment.
+// On a full assignment, the theories' concrete models and EUF's classes
+// must agree on every pair of interface terms. Each pair they disagree on
+// becomes an equality atom that the search decides (phase true first); both
+// solvers hear it, so the disagreement cannot survive the next full assignment.
 // Since the atoms are between interface terms only, and those are finitely
 // many, the loop ends.
 #include <algorithm>
@@ -32,11 +34,25 @@ namespace {
 constexpr const char* kSection = "TMANAGER";
 constexpr int kEuf = static_cast<int>(TheoryId::Euf);
 constexpr int kLa = static_cast<int>(TheoryId::La);
+constexpr int kBv = static_cast<int>(TheoryId::Bv);
 
 }  // namespace
 
+// The solver that gives terms of `type` their values in the combination,
+// or -1 when congruence alone decides the sort.
+int TheoryManager::value_solver(const Type* type) const {
+  if (d_tm->is_arithmetic_type(type)) {
+    return enabled(kLa) ? kLa : -1;
+  }
+  if (d_tm->is_bv_type(type)) {
+    return enabled(kBv) ? kBv : -1;
+  }
+  return -1;
+}
+
 void TheoryManager::update_interface_terms(const Term_* atom) {
-  if (!enabled(kEuf) || !enabled(kLa) || d_config->interface_eq_policy == 3) {
+  if (!enabled(kEuf) || !(enabled(kLa) || enabled(kBv))
+      || d_config->interface_eq_policy == 3) {
     if (d_logger != nullptr) {
       (*d_logger)(kSection)
           << loglevel(4)
@@ -59,11 +75,11 @@ void TheoryManager::update_interface_terms(const Term_* atom) {
         || !d_tm->is_uninterpreted_function(t->get_symbol())) {
       continue;
     }
-    if (d_tm->is_arithmetic_type(t->get_type())) {
+    if (value_solver(t->get_type()) >= 0) {
       add_interface_term(t, var);
     }
     for (const Term_* c : *t) {
-      if (d_tm->is_arithmetic_type(c->get_type())) {
+      if (value_solver(c->get_type()) >= 0) {
         add_interface_term(c, var);
       }
     }
@@ -110,24 +126,25 @@ void TheoryManager::undo_theory_combination_info(const Term_*, Var var) {
   d_lemma_atoms.erase(var);
 }
 
-// Two passes of grouping: terms with one LA value that EUF keeps apart,
-// chained class by class; and members of one EUF class with different LA
-// values, chained value by value. Chains suffice: once their equalities
+// Two passes of grouping: terms with one value that EUF keeps apart,
+// chained class by class; and members of one EUF class with different
+// values, chained value by value. Values are terms of the store, so
+// values of different sorts never meet. Chains suffice: once their equalities
 // hold, the classes and the values coincide.
 void TheoryManager::disagreeing_pairs(
     std::vector<std::pair<const Term_*, const Term_*>>& out) {
-  TheorySolver& la = *d_solvers[kLa];
-
   struct Entry {
     const Term_* term;
-    const Term_* value;  // LA's, a number term
+    const Term_* value;  // of the term's theory, a number term
     const Term_* rep;    // EUF's class
   };
 
   std::vector<Entry> entries;
   for (const auto& [var, t] : d_iface_trail) {
     (void)var;
-    const Term_* v = la.get_model_value(t);
+    int owner = value_solver(t->get_type());
+    const Term_* v =
+        owner >= 0 ? d_solvers[owner]->get_model_value(t) : nullptr;
     if (v == nullptr) {
       continue;
     }
@@ -245,7 +262,7 @@ int TheoryManager::generate_interface_equalities(bool& added) {
     }
     return -1;
   }
-  if (!enabled(kLa) || d_iface_trail.empty()) {
+  if (d_iface_trail.empty()) {
     return -1;
   }
   for (int i = 0; i < kNumSolvers; ++i) {

@@ -18,7 +18,11 @@ EagerBVSolverInterface::EagerBVSolverInterface(const Configuration* global,
       d_global(global),
       d_dpll(dpll),
       d_clausifier(tm, &global->theory.bv),
-      d_sink(dpll) {}
+      d_sink(dpll),
+      d_combined(global->theory.euf.enabled
+                 && global->theory.interface_eq_policy != 3) {
+  d_clausifier.set_applications_as_leaves(d_combined);
+}
 
 EagerBVSolverInterface::~EagerBVSolverInterface() = default;
 
@@ -33,7 +37,11 @@ void EagerBVSolverInterface::set_termination_test(TerminationTest* test) {
 
 std::pair<bool, bool> EagerBVSolverInterface::tell_atom(const Term_* atom) {
   if (theory_of(*d_tm, atom) != TheoryId::Bv) {
-    refuse_shared_bv_terms(atom);
+    if (!d_combined) {
+      refuse_shared_bv_terms(atom);
+    } else if (!d_clausifier.is_cached(atom)) {
+      d_clausifier.mark(atom);
+    }
     return {false, false};
   }
   if (d_global->proof_generation) {
@@ -47,9 +55,10 @@ std::pair<bool, bool> EagerBVSolverInterface::tell_atom(const Term_* atom) {
   return {true, false};
 }
 
-// Words cached since the atom was blasted go with it: their clauses were
-// added inside the engine's current backtrack point and go at its pop. A
-// word already gone (a pop came first) has nothing left to take back.
+// Words cached since the atom was blasted (or marked) go with it: their
+// clauses were added inside the engine's current backtrack point and go
+// at its pop. A word already gone (a pop came first) has nothing left to
+// take back.
 void EagerBVSolverInterface::retract_atom(const Term_* atom) {
   if (d_clausifier.is_cached(atom)) {
     d_clausifier.retract_upto(atom);
@@ -75,6 +84,14 @@ void EagerBVSolverInterface::refuse_shared_bv_terms(const Term_* atom) {
     for (const Term_* c : *t) {
       stack.push_back(c);
     }
+  }
+}
+
+// The manager names the term while the atom that brought it is being
+// told, so its word lands after that atom's word or mark.
+void EagerBVSolverInterface::notify_interface_term(const Term_* term) {
+  if (d_tm->is_bv_type(term->get_type())) {
+    d_clausifier.notify_interface_term(term, d_sink);
   }
 }
 

@@ -6,11 +6,16 @@
 // and taking words back when atoms go (retraction, backtrack points),
 // since their circuits' clauses go with the engine's backtrack point.
 //
-// Bit-vector terms that another theory shares (arguments of uninterpreted
-// functions, array elements) would need theory combination, which this
-// solver does not do: an atom of another theory over bit-vector terms,
-// and a bit-vector atom over such an application, are refused with
-// error, which ends the check in `unknown` rather than a wrong answer.
+// Bit-vector terms shared with congruence (applications of uninterpreted
+// functions of bit-vector sort, bit-vector arguments of applications) are
+// the theory manager's interface terms: an application is a word of
+// fresh bits here, each interface term gets its word when the manager
+// names it, and the manager reconciles the bits with congruence through
+// interface equalities, which are atoms like any other. Those words go
+// when the atom that brought them goes: an atom of another theory leaves
+// a mark in the word cache for that. Without congruence (EUF off, or
+// combination off) such terms are refused with error, which ends the
+// check in `unknown` rather than a wrong answer.
 #ifndef ZENLO_THEORY_BV_EAGERBVSOLVER_H
 #define ZENLO_THEORY_BV_EAGERBVSOLVER_H
 
@@ -59,6 +64,7 @@ class EagerBVSolverInterface : public TheorySolver {
 
   lbool equal_in_model(const Term_* a, const Term_* b) override;
   bool is_alien(const Term_* term) override;
+  void notify_interface_term(const Term_* term) override;
   Stats get_stats() const override;
 
  private:
@@ -69,6 +75,8 @@ class EagerBVSolverInterface : public TheorySolver {
   WordClausifier d_clausifier;
   EagerClauseSink d_sink;
   uint64_t d_atoms = 0;
+  // Congruence decides the applications and the manager combines.
+  bool d_combined;
 };
 
 }  // namespace eager

@@ -39,7 +39,9 @@ bool EagerClauseSink::value(BvLit l) const {
   if (is_const(l)) {
     return l == l_true;
   }
-  bool v = d_dpll->get_model_value(var_of(l)) == l_True;
+  dpll::Var x = var_of(l);
+  lbool a = d_dpll->value(x);
+  bool v = (a != l_Undef ? a : d_dpll->get_model_value(x)) == l_True;
   return l > 0 ? v : !v;
 }
 

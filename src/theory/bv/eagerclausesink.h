@@ -32,8 +32,11 @@ class EagerClauseSink : public ClauseSink {
   // Constant false literals are dropped, a clause with a true one is.
   void add_clause() override;
 
-  // Returns: the value of `l` in the engine's last model (constants as
-  //   they are, unassigned variables false).
+  // Returns: the value of `l` in the engine's current assignment, where
+  //   it is assigned, else in its last model (constants as they are,
+  //   variables in neither false). In the middle of a search that is the
+  //   full assignment that theory combination compares with congruence;
+  //   after it, what is still assigned agrees with the model.
   bool value(BvLit l) const;
 
   uint64_t num_clauses() const { return d_clauses; }

@@ -53,9 +53,14 @@ void WordClausifier::cache(const Term_* term, BvLitList* w) {
   ++d_stats.words;
 }
 
+void WordClausifier::mark(const Term_* term) {
+  cache(term, &d_mark_word);
+  --d_stats.words;
+}
+
 bool WordClausifier::get_bits(const Term_* term, BvLitList& bits) const {
   const BvLitList* w = word_of(term);
-  if (w == nullptr) {
+  if (w == nullptr || w == &d_mark_word) {
     return false;
   }
   bits = *w;
@@ -67,7 +72,9 @@ void WordClausifier::retract_upto(const Term_* term) {
     const Term_* t = d_order.back();
     d_order.pop_back();
     if (t != nullptr) {
-      recycle(d_words[t->get_id()]);
+      if (d_words[t->get_id()] != &d_mark_word) {
+        recycle(d_words[t->get_id()]);
+      }
       d_words[t->get_id()] = nullptr;
     }
     if (t == term) {
@@ -265,7 +272,9 @@ void WordClausifier::blast_leaf(const Term_* t, BvLitList& out) {
     }
     return;
   }
-  if (t->get_arity() > 0 || !(is_bv || is_bool)) {
+  bool app = t->get_arity() > 0 && d_apps_as_leaves
+             && d_tm->is_uninterpreted_function(s);
+  if ((t->get_arity() > 0 && !app) || !(is_bv || is_bool)) {
     throw error("not supported! " + t->to_shallow_str());
   }
   if (is_bool) {

@@ -79,6 +79,17 @@ class WordClausifier : public WordClausifierInterface {
   //   retracted.
   const BvLitList& blast_word(const Term_* term, ClauseSink& sink);
 
+  // Puts `term`, which has no word, on the cache order as a mark that
+  // is_cached reports and retract_upto(term) goes back to: the words of
+  // the terms shared with other theories that the atom `term` brings go
+  // with it. Requires: term has no word.
+  void mark(const Term_* term);
+
+  // Applications of uninterpreted functions become leaves of fresh bits
+  // (only where congruence over them is enforced by someone else); off,
+  // they are refused.
+  void set_applications_as_leaves(bool on) { d_apps_as_leaves = on; }
+
   // A circuit estimated above this many gates is refused (error) rather
   // than built: a wide multiplication must not exhaust memory.
   void set_gate_budget(uint64_t gates) { d_gate_budget = gates; }
@@ -197,6 +208,10 @@ class WordClausifier : public WordClausifierInterface {
   std::vector<std::unique_ptr<BvLitList>> d_pool;
   std::vector<BvLitList*> d_free;
   std::vector<const Term_*> d_todo;
+
+  // The word of every mark: no bits, never recycled.
+  BvLitList d_mark_word;
+  bool d_apps_as_leaves = false;
 
   uint64_t d_gate_budget = 20000000;
   Stats d_stats;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "terms/termmanager.h"
+#include "theory/check/bvfactchecker.h"
 #include "theory/check/eufclosurechecker.h"
 #include "theory/check/lafactchecker.h"
 #include "theory/theoryowner.h"
@@ -37,12 +38,14 @@ std::string lits_text(const std::vector<TheoryLit>& lits) {
 
 }  // namespace
 
-TheoryFactChecks::TheoryFactChecks(const TermManager& tm, int num_slots)
+TheoryFactChecks::TheoryFactChecks(TermManager& tm, int num_slots)
     : d_tm(tm), d_checkers(num_slots) {
   d_checkers[static_cast<int>(TheoryId::Euf)] =
       std::make_unique<EufClosureChecker>(tm);
   d_checkers[static_cast<int>(TheoryId::La)] =
       std::make_unique<LaFactChecker>(tm);
+  d_checkers[static_cast<int>(TheoryId::Bv)] =
+      std::make_unique<BvFactChecker>(tm);
 }
 
 TheoryFactChecks::~TheoryFactChecks() = default;

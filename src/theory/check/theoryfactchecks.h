@@ -22,7 +22,7 @@ class TheoryFactChecks {
   ZENLO_DECLARE_ERROR;
 
   // After: EUF and LA have their checkers; the other slots have none.
-  TheoryFactChecks(const TermManager& tm, int num_slots);
+  TheoryFactChecks(TermManager& tm, int num_slots);
   ~TheoryFactChecks();
 
   // Requires: 0 <= slot < num_slots. For theories built later, and tests.

@@ -461,14 +461,53 @@ TEST_F(WordClausifierTest, RetractForgetsWordsInCachingOrder) {
   EXPECT_FALSE(c.is_cached(sum));
 }
 
-TEST_F(WordClausifierTest, ApplicationLeafIsRefused) {
+TEST_F(WordClausifierTest, ApplicationIsALeafOnlyWhenAllowed) {
   const Type* bv4 = tm.get_bv_type(4);
   const Symbol* f = tm.make_symbol("f", tm.get_function_type({bv4}, bv4));
   const Term_* x = var("x", 4);
   bv::WordClausifier c(&tm, nullptr);
   RecordingSink sink;
-  const Term_* t = tm.make_bv_ult(tm.make_term(f, {x}), x);
+  const Term_* fx = tm.make_term(f, {x});
+  const Term_* t = tm.make_bv_ult(fx, x);
   EXPECT_THROW(c.bit_blast(t, sink), bv::WordClausifierInterface::error);
+  c.set_applications_as_leaves(true);
+  c.bit_blast(t, sink);
+  bv::BvLitList fx_bits;
+  bv::BvLitList x_bits;
+  ASSERT_TRUE(c.get_bits(fx, fx_bits));
+  ASSERT_TRUE(c.get_bits(x, x_bits));
+  // Fresh bits, unrelated to the argument's.
+  ASSERT_EQ(fx_bits.size(), 4u);
+  for (BvLit b : fx_bits) {
+    EXPECT_FALSE(bv::is_const(b));
+    for (BvLit a : x_bits) {
+      EXPECT_NE(std::abs(a), std::abs(b));
+    }
+  }
+}
+
+// An atom of another theory leaves a mark: the words blasted after it
+// (its shared terms) go when it is retracted, and the mark has no bits.
+TEST_F(WordClausifierTest, MarkTakesBackTheWordsAfterIt) {
+  const Term_* x = var("x", 4);
+  const Term_* y = var("y", 4);
+  const Term_* p = tm.make_constant(tm.make_symbol("p", tm.get_bool_type()));
+  bv::WordClausifier c(&tm, nullptr);
+  RecordingSink sink;
+  c.blast_word(x, sink);
+  c.mark(p);
+  EXPECT_TRUE(c.is_cached(p));
+  bv::BvLitList bits;
+  EXPECT_FALSE(c.get_bits(p, bits));
+  c.notify_interface_term(y, sink);
+  c.retract_upto(p);
+  EXPECT_FALSE(c.is_cached(p));
+  EXPECT_FALSE(c.is_cached(y));
+  EXPECT_TRUE(c.is_cached(x));
+  // The mark's word never serves as a real one.
+  c.mark(p);
+  EXPECT_EQ(c.blast_word(tm.make_bv_add(x, y), sink).size(), 4u);
+  EXPECT_FALSE(c.get_bits(p, bits));
 }
 
 }  // namespace
