@@ -11,6 +11,7 @@
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
 #include "theory/bv/bvsolverinterface.h"
+#include "theory/cardinalitychecker.h"
 #include "theory/check/theoryfactchecks.h"
 #include "theory/euf/eufsolverinterface.h"
 #include "theory/la/lasolverinterface.h"
@@ -47,6 +48,9 @@ TheoryManager::TheoryManager(const Configuration* config,
   install_solver(SolverIndex::Bv,
                  bv::make_bv_solver(config, tm, dpll),
                  d_config->bv.enabled);
+  if (enabled(0) && d_euf != nullptr) {
+    d_card = std::make_unique<CardinalityChecker>(tm, &d_euf->get_solver());
+  }
 }
 
 TheoryManager::~TheoryManager() = default;
@@ -229,6 +233,9 @@ void TheoryManager::push_backtrack_point() {
       d_solvers[i]->push_backtrack_point();
     }
   }
+  if (d_card != nullptr) {
+    d_card->push_backtrack_point();
+  }
 }
 
 void TheoryManager::pop_backtrack_point() {
@@ -236,6 +243,9 @@ void TheoryManager::pop_backtrack_point() {
     if (enabled(i)) {
       d_solvers[i]->pop_backtrack_point();
     }
+  }
+  if (d_card != nullptr) {
+    d_card->pop_backtrack_point();
   }
 }
 
@@ -433,7 +443,13 @@ int TheoryManager::boolean_model_found() {
     (*d_termination)();
   }
   bool added = false;
-  return generate_interface_equalities(added);
+  int level = generate_interface_equalities(added);
+  if (level < 0 && !added && d_card != nullptr && d_card->check()
+      && d_logger != nullptr) {
+    (*d_logger)(kSection) << loglevel(3) << "cardinality: domain lemmas"
+                          << endlog;
+  }
+  return level;
 }
 
 void TheoryManager::build_model() {
@@ -490,6 +506,8 @@ TheorySolver::Stats TheoryManager::get_stats() const {
   TheorySolver::Stats out{
       {"necessary interface equalities", std::to_string(d_necessary_ieqs)},
       {"extra interface equalities", std::to_string(d_extra_ieqs)},
+      {"cardinality lemmas",
+       std::to_string(d_card != nullptr ? d_card->num_lemmas() : 0)},
   };
   for (int i = 0; i < kNumSolvers; ++i) {
     if (!enabled(i)) {

@@ -41,6 +41,7 @@ class PolarityChecker;
 class TermManager;
 class TerminationTest;
 class TheoryFactChecks;
+class CardinalityChecker;
 class TheoryFactSink;
 
 class TheoryManager {
@@ -193,7 +194,7 @@ class TheoryManager {
 
  private:
   struct LemmaInfo {
-    int solver;  // index; -1 would be the cardinality checker
+    int solver;  // index, or kCardinalitySource
     void* data;
   };
 
@@ -259,6 +260,10 @@ class TheoryManager {
   std::array<uint8_t, kNumSolvers> d_enabled{};
   std::array<SolverCounters, kNumSolvers> d_counters{};
   EufSolverInterface* d_euf = nullptr;
+  // With EUF on: the domain lemmas of enumerated sorts. Its lemmas come
+  // from source kCardinalitySource.
+  std::unique_ptr<CardinalityChecker> d_card;
+  static constexpr int kCardinalitySource = kNumSolvers;
 
   // The variable of each told atom, by term id: translating the literals
   // of every implication and explanation must not cost a hash lookup.

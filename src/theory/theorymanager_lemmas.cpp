@@ -4,6 +4,7 @@
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
+#include "theory/cardinalitychecker.h"
 #include "theory/euf/eufsolverinterface.h"
 #include "theory/theoryfactsink.h"
 #include "theory/theorymanager.h"
@@ -24,6 +25,10 @@ bool TheoryManager::has_lemmas() {
       d_lemma_source = i;
       return true;
     }
+  }
+  if (d_card != nullptr && d_card->has_lemmas()) {
+    d_lemma_source = kCardinalitySource;
+    return true;
   }
   d_lemma_source = -1;
   return false;
@@ -47,7 +52,9 @@ int TheoryManager::get_lemma(std::vector<Lit>& lits,
   }
   int id = new_lemma_id();
   d_tlits.clear();
-  TheoryLemma lemma = d_solvers[d_lemma_source]->get_lemma(d_tlits);
+  TheoryLemma lemma = d_lemma_source == kCardinalitySource
+                          ? d_card->get_lemma(d_tlits)
+                          : d_solvers[d_lemma_source]->get_lemma(d_tlits);
   d_lemmas.insert(id, LemmaInfo{d_lemma_source, lemma.data});
   first = has_flag(lemma.flags, LemmaFlag::Kept);
   second = first && !has_flag(lemma.flags, LemmaFlag::Learnt);
@@ -68,7 +75,11 @@ int TheoryManager::get_lemma(std::vector<Lit>& lits,
     d_in_lemma = false;
     throw;
   }
-  dump_tlemma(d_lemma_source, tlit_Undef, clause, true);
+  // Domain lemmas are EUF's to check: its checker knows the values.
+  dump_tlemma(d_lemma_source == kCardinalitySource ? 0 : d_lemma_source,
+              tlit_Undef,
+              clause,
+              true);
   clause.clear();
   d_tlits.swap(clause);
   return id;
@@ -107,7 +118,9 @@ void TheoryManager::retract_lemma(int id) {
   if (info == nullptr) {
     throw error("retracting unknown theory lemma " + std::to_string(id));
   }
-  d_solvers[info->solver]->retract_lemma(info->data);
+  if (info->solver != kCardinalitySource) {
+    d_solvers[info->solver]->retract_lemma(info->data);
+  }
   d_lemmas.erase(id);
   d_free_lemma_ids.push_back(id);
 }

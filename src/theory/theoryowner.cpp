@@ -29,6 +29,10 @@ TheoryId theory_of_sort(const TermManager& tm, const Type* type) {
   if (tm.is_fp_type(type) || tm.is_fprounding_type(type)) {
     return TheoryId::Fp;
   }
+  if (tm.is_enum_type(type)) {
+    // Counting is the cardinality checker's, beside EUF.
+    return TheoryId::Euf;
+  }
   if (has_finitely_many_values(tm, type)) {
     return TheoryId::None;
   }

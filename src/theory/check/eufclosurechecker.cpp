@@ -1,6 +1,7 @@
 #include "theory/check/eufclosurechecker.h"
 
 #include <map>
+#include <unordered_set>
 #include <utility>
 
 #include "terms/termmanager.h"
@@ -184,16 +185,47 @@ bool EufClosureChecker::contradiction() {
   if (find(kTrue) == find(kFalse)) {
     return true;
   }
-  std::unordered_map<int, const Symbol*> numeral;
+  // Numerals and the values of enumerated sorts are pairwise distinct.
+  std::unordered_map<int, const Symbol*> value;
   for (size_t n = 2; n < d_terms.size(); ++n) {
     const Term_* t = d_terms[n];
-    if (t->get_arity() != 0 || !d_tm.is_number(t->get_symbol())) {
+    const Symbol* s = t->get_symbol();
+    if (t->get_arity() != 0 || !(d_tm.is_number(s) || d_tm.is_enum_value(s))) {
       continue;
     }
-    auto [it, fresh] =
-        numeral.emplace(find(static_cast<int>(n)), t->get_symbol());
-    if (!fresh && it->second != t->get_symbol()) {
+    auto [it, fresh] = value.emplace(find(static_cast<int>(n)), s);
+    if (!fresh && it->second != s) {
       return true;
+    }
+  }
+  return domain_exhausted(value);
+}
+
+// A class of an enumerated sort that is unequal to every value of the
+// sort has no value left.
+bool EufClosureChecker::domain_exhausted(
+    const std::unordered_map<int, const Symbol*>& value) {
+  std::unordered_map<int, std::unordered_set<const Symbol*>> excluded;
+  for (size_t n = 2; n < d_terms.size(); ++n) {
+    const Term_* t = d_terms[n];
+    if (d_tm.get_tag(t->get_symbol()) != SymbolTag::EQ
+        || truth(static_cast<int>(n)) != 0
+        || !d_tm.is_enum_type(t->get_child(0)->get_type())) {
+      continue;
+    }
+    int a = find(node(t->get_child(0)));
+    int b = find(node(t->get_child(1)));
+    for (auto [x, y] : {std::pair<int, int>{a, b}, {b, a}}) {
+      auto v = value.find(y);
+      if (v == value.end()) {
+        continue;
+      }
+      std::unordered_set<const Symbol*>& out = excluded[x];
+      out.insert(v->second);
+      if (out.size()
+          == d_tm.get_enum_values(t->get_child(0)->get_type())->size()) {
+        return true;
+      }
     }
   }
   return false;

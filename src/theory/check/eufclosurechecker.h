@@ -18,6 +18,7 @@
 namespace zenlo {
 
 class TermManager;
+class Symbol;
 class Term_;
 
 class EufClosureChecker : public TheoryFactChecker {
@@ -48,6 +49,7 @@ class EufClosureChecker : public TheoryFactChecker {
   void rule_eq(int n, int a, int b);
   void rule_and_or(int n, bool is_and);
   bool contradiction();
+  bool domain_exhausted(const std::unordered_map<int, const Symbol*>& value);
 
   const TermManager& d_tm;
   std::vector<const Term_*> d_terms;

@@ -69,9 +69,12 @@ TEST_F(TheoryOwnerTest, EqualitiesAndSymbolsFollowTheirSort) {
   EXPECT_EQ(of(tm.make_uninterpreted_function(g, {a})), TheoryId::Euf);
 }
 
-TEST_F(TheoryOwnerTest, FiniteSortsThatNeedCountingBelongToNone) {
+// Enumerated sorts are EUF's, which counts their values beside
+// congruence; finite arrays have no one to count them.
+TEST_F(TheoryOwnerTest, FiniteSortsBelongToWhoeverCountsThem) {
   const Type* e = tm.get_enum_type("Color", {"red", "green"});
-  EXPECT_EQ(of(c("col", e)), TheoryId::None);
+  EXPECT_EQ(of(c("col", e)), TheoryId::Euf);
+  EXPECT_TRUE(is_euf_term(tm, c("col2", e)));
   const Type* small = tm.get_array_type(tm.get_bv_type(1), tm.get_bv_type(1));
   EXPECT_EQ(of(c("arr", small)), TheoryId::None);
   const Type* big = tm.get_array_type(i, i);

@@ -127,5 +127,20 @@ TEST(TheoryFactChecksTest, FailuresAreInternalErrorsNamingTheFact) {
       TheoryFactChecks::error);
 }
 
+// A term of an enumerated sort unequal to every value has none left;
+// unequal to all but one, it is consistent.
+TEST_F(EufClosureCheckerTest, EnumDomainsAreExhausted) {
+  const Type* e = tm.get_enum_type("Color", {"red", "green"});
+  const Term_* x = constant("x", e);
+  const Term_* y = constant("y", e);
+  const Term_* red = tm.make_constant((*tm.get_enum_values(e))[0]);
+  const Term_* green = tm.make_constant((*tm.get_enum_values(e))[1]);
+  EXPECT_TRUE(refuted({~eq(x, red), ~eq(x, green)}));
+  EXPECT_TRUE(refuted({eq(x, y), ~eq(x, red), ~eq(y, green)}));
+  EXPECT_FALSE(refuted({~eq(x, red), ~eq(y, green)}));
+  // Values are distinct.
+  EXPECT_TRUE(refuted({eq(x, red), eq(x, green)}));
+}
+
 }  // namespace
 }  // namespace zenlo
