@@ -228,6 +228,8 @@ class Snapshot:
 def snapshots(commands):
     """A Snapshot per check command of the script, in order."""
     frames, shots, global_decls = [[]], [], False
+    # The names declared or defined in each frame, beside it.
+    names = [set()]
     for c in commands:
         head = c[0]
         if head == "set-option" and len(c) > 2 \
@@ -235,16 +237,20 @@ def snapshots(commands):
             global_decls = c[2] == "true"
         elif head == "push":
             frames += [[] for _ in range(_count(c))]
+            names += [set() for _ in range(_count(c))]
         elif head == "pop":
             for _ in range(min(_count(c), len(frames) - 1)):
                 gone = frames.pop()
+                gone_names = names.pop()
                 if global_decls:
                     frames[0] += [i for i in gone if i[0] != "assert"]
+                    names[0] |= gone_names
         elif head == "reset":
-            frames, global_decls = [[]], False
+            frames, names, global_decls = [[]], [set()], False
         elif head == "reset-assertions":
             kept = [i for f in frames for i in f if i[0] != "assert"]
             frames = [kept if global_decls else []]
+            names = [set().union(*names) if global_decls else set()]
         elif head in CHECKS:
             if head == "check-sat":
                 lits = c[1:]  # the extension that lists assumptions bare
@@ -256,14 +262,16 @@ def snapshots(commands):
         elif head in DECLARATIONS:
             # A name already declared or defined in scope cannot be
             # declared again: the solver refuses it and the first stands.
-            if len(c) < 2 or not any(
-                    k in ("decl", "def") and len(i) > 1 and i[1] == c[1]
-                    for f in frames for k, i in f):
+            if len(c) < 2 or not any(c[1] in n for n in names):
                 frames[-1].append(("decl", _as_fun(c)))
+                if len(c) > 1:
+                    names[-1].add(c[1])
         elif head == "assert":
             frames[-1].append(("assert", c))
         elif head not in DROPPED:
             frames[-1].append(("def", c))
+            if len(c) > 1 and isinstance(c[1], str):
+                names[-1].add(c[1])
     return shots
 
 

@@ -152,6 +152,9 @@ class TermManager : public SymbolFamilies {
                      const Type** element = nullptr) const;
   bool is_function_type(const Type* t) const;
   bool is_enum_type(const Type* t) const;
+
+  bool has_enum_types() const { return !d_enum_values.empty(); }
+
   // Returns: the value symbols of an enum type, null for other types.
   const std::vector<const Symbol*>* get_enum_values(const Type* t) const;
   // Returns: whether the type has finitely many values, and how many.
@@ -668,29 +671,30 @@ class TermManager : public SymbolFamilies {
   std::vector<VisitScratch*> d_visit_free;
 };
 
-// The variables free in each subterm of a walked term, as lists sorted by
-// id. Subterms with equal sets share one list, so a deep term with few
-// variables costs little.
-// Turns the simplifier off for a scope, and sets the switch back as it was
-// on every way out. Atoms that a solver makes for the search must keep the
-// form it gave them: simplified, they can come back as other atoms.
-class SimplificationsOff {
+// Sets the simplifier's switch for a scope, and sets it back as it was on
+// every way out. Off: atoms that a solver makes for the search must keep
+// the form it gave them, since simplified they can come back as other
+// atoms. On: evaluating a term under a model folds it to a number.
+class SimplificationScope {
  public:
-  explicit SimplificationsOff(TermManager& tm)
+  SimplificationScope(TermManager& tm, bool on)
       : d_tm(tm), d_was_on(tm.simplifications_enabled()) {
-    tm.enable_simplifications(false);
+    tm.enable_simplifications(on);
   }
 
-  ~SimplificationsOff() { d_tm.enable_simplifications(d_was_on); }
+  ~SimplificationScope() { d_tm.enable_simplifications(d_was_on); }
 
-  SimplificationsOff(const SimplificationsOff&) = delete;
-  SimplificationsOff& operator=(const SimplificationsOff&) = delete;
+  SimplificationScope(const SimplificationScope&) = delete;
+  SimplificationScope& operator=(const SimplificationScope&) = delete;
 
  private:
   TermManager& d_tm;
   bool d_was_on;
 };
 
+// The variables free in each subterm of a walked term, as lists sorted by
+// id. Subterms with equal sets share one list, so a deep term with few
+// variables costs little.
 class FreeVariableMap {
  public:
   FreeVariableMap() = default;

@@ -11,6 +11,10 @@ CardinalityChecker::CardinalityChecker(TermManager* tm, const euf::Solver* euf)
 bool CardinalityChecker::check() {
   d_pending.clear();
   d_next = 0;
+  // Most problems have no enumerated sort: no walk over EUF's classes.
+  if (!d_tm->has_enum_types()) {
+    return false;
+  }
   d_reps.clear();
   d_euf->get_all_representatives(d_reps);
   for (const Term_* r : d_reps) {

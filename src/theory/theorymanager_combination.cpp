@@ -191,7 +191,7 @@ int TheoryManager::request_interface_equality(const Term_* a,
   // never learn that a and b are equal.
   const Term_* eq = nullptr;
   {
-    SimplificationsOff raw(*d_tm);
+    SimplificationScope raw(*d_tm, false);
     eq = d_tm->make_equal(a, b);
   }
   if (d_tm->get_tag(eq->get_symbol()) != SymbolTag::EQ) {

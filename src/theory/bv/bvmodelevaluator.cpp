@@ -7,29 +7,6 @@
 namespace zenlo {
 namespace bv {
 
-namespace {
-
-// Switches the store's simplifications on for one evaluation, and back
-// however the evaluation ends.
-class SimplificationScope {
- public:
-  explicit SimplificationScope(TermManager& tm)
-      : d_tm(tm), d_was(tm.simplifications_enabled()) {
-    tm.enable_simplifications(true);
-  }
-
-  ~SimplificationScope() { d_tm.enable_simplifications(d_was); }
-
-  SimplificationScope(const SimplificationScope&) = delete;
-  SimplificationScope& operator=(const SimplificationScope&) = delete;
-
- private:
-  TermManager& d_tm;
-  bool d_was;
-};
-
-}  // namespace
-
 const Term_* ModelEvaluator::value_of(const Term_* t) {
   if (!d_tm->is_bv_type(t->get_type())) {
     return nullptr;
@@ -63,7 +40,7 @@ const Term_* ModelEvaluator::from_bits(const Term_* t) {
 // condition) or of other theories have no value here: the whole term then
 // has none.
 const Term_* ModelEvaluator::evaluate(const Term_* root) {
-  SimplificationScope scope(*d_tm);
+  SimplificationScope scope(*d_tm, true);
   std::unordered_map<const Term_*, const Term_*> values;
   std::vector<const Term_*> stack{root};
   while (!stack.empty()) {

@@ -36,11 +36,13 @@ void EagerBVSolverInterface::set_termination_test(TerminationTest* test) {
 // ---------------------------------------------------------------------------
 
 std::pair<bool, bool> EagerBVSolverInterface::tell_atom(const Term_* atom) {
+  d_foreign_atom = nullptr;
   if (theory_of(*d_tm, atom) != TheoryId::Bv) {
     if (!d_combined) {
       refuse_shared_bv_terms(atom);
     } else if (!d_clausifier.is_cached(atom)) {
-      d_clausifier.mark(atom);
+      // Marked only if it brings bit-vector terms.
+      d_foreign_atom = atom;
     }
     return {false, false};
   }
@@ -90,9 +92,14 @@ void EagerBVSolverInterface::refuse_shared_bv_terms(const Term_* atom) {
 // The manager names the term while the atom that brought it is being
 // told, so its word lands after that atom's word or mark.
 void EagerBVSolverInterface::notify_interface_term(const Term_* term) {
-  if (d_tm->is_bv_type(term->get_type())) {
-    d_clausifier.notify_interface_term(term, d_sink);
+  if (!d_tm->is_bv_type(term->get_type())) {
+    return;
   }
+  if (d_foreign_atom != nullptr) {
+    d_clausifier.mark(d_foreign_atom);
+    d_foreign_atom = nullptr;
+  }
+  d_clausifier.notify_interface_term(term, d_sink);
 }
 
 // ---------------------------------------------------------------------------

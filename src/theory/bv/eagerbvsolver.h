@@ -12,8 +12,8 @@
 // fresh bits here, each interface term gets its word when the manager
 // names it, and the manager reconciles the bits with congruence through
 // interface equalities, which are atoms like any other. Those words go
-// when the atom that brought them goes: an atom of another theory leaves
-// a mark in the word cache for that. Without congruence (EUF off, or
+// when the atom that brought them goes: an atom of another theory that
+// brings such terms leaves a mark in the word cache for that. Without congruence (EUF off, or
 // combination off) such terms are refused with error, which ends the
 // check in `unknown` rather than a wrong answer.
 #ifndef ZENLO_THEORY_BV_EAGERBVSOLVER_H
@@ -77,6 +77,9 @@ class EagerBVSolverInterface : public TheorySolver {
   uint64_t d_atoms = 0;
   // Congruence decides the applications and the manager combines.
   bool d_combined;
+  // The atom of another theory being told, until it brings a bit-vector
+  // interface term and is marked.
+  const Term_* d_foreign_atom = nullptr;
 };
 
 }  // namespace eager

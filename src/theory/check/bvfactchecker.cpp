@@ -62,7 +62,7 @@ std::string BvFactChecker::check(const TheoryFact& fact) {
     }
     // Functional consistency: for two applications of one function,
     // some argument differs or the results agree.
-    SimplificationsOff raw(d_tm);
+    SimplificationScope raw(d_tm, false);
     for (size_t i = 0; i < apps.size(); ++i) {
       for (size_t j = i + 1; j < apps.size(); ++j) {
         const Term_* a = apps[i];

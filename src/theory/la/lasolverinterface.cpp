@@ -423,7 +423,7 @@ TheoryLemma LaSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
   const Term_* ab = nullptr;
   const Term_* ba = nullptr;
   {
-    SimplificationsOff raw(*d_tm);
+    SimplificationScope raw(*d_tm, false);
     ab = d_tm->make_leq(a, b);
     ba = d_tm->make_leq(b, a);
   }

@@ -139,7 +139,7 @@ bool LaSolverInterface::make_cut(int x) {
     m.second *= scale;
   }
   QNumber bound = (d_gomory.cut_bound() * scale).ceil();
-  SimplificationsOff raw(*d_tm);
+  SimplificationScope raw(*d_tm, false);
   const Term_* lhs = make_sum_term(d_expanded);
   cut.atom = d_tm->make_leq(d_tm->make_number(bound), lhs);
   std::vector<std::pair<int, QNumber>> split(d_gomory.split_coeffs());

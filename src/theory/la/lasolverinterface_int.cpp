@@ -134,7 +134,7 @@ TheoryLemma LaSolverInterface::branch_lemma(std::vector<TheoryLit>& clause) {
   const Term_* below = nullptr;
   const Term_* above = nullptr;
   {
-    SimplificationsOff raw(*d_tm);
+    SimplificationScope raw(*d_tm, false);
     below = d_tm->make_leq(b.term, d_tm->make_number(b.floor));
     above = d_tm->make_leq(d_tm->make_number(b.floor + QNumber::one()), b.term);
   }

@@ -35,7 +35,7 @@ class BvFactCheckerTest : public ::testing::Test {
   }
 
   TheoryLit eq(const Term_* a, const Term_* b) {
-    SimplificationsOff raw(tm);
+    SimplificationScope raw(tm, false);
     return TheoryLit(tm.make_equal(a, b));
   }
 
