@@ -13,9 +13,9 @@
 // names it, and the manager reconciles the bits with congruence through
 // interface equalities, which are atoms like any other. Those words go
 // when the atom that brought them goes: an atom of another theory that
-// brings such terms leaves a mark in the word cache for that. Without congruence (EUF off, or
-// combination off) such terms are refused with error, which ends the
-// check in `unknown` rather than a wrong answer.
+// brings such terms leaves a mark in the word cache for that. Without
+// congruence (EUF off, or combination off) such terms are refused with error,
+// which ends the check in `unknown` rather than a wrong answer.
 #ifndef ZENLO_THEORY_BV_EAGERBVSOLVER_H
 #define ZENLO_THEORY_BV_EAGERBVSOLVER_H
 
