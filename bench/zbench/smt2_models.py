@@ -296,6 +296,11 @@ class MissingValue(ModelError):
     """A declared symbol has no value in the model."""
 
 
+class ScriptRejected(ModelError):
+    """z3 refuses the check script (an ill-sorted input refused by zenlo
+    too stays in it)."""
+
+
 def _plain(name):
     """|x| and x are one symbol when x needs no bars."""
     if len(name) > 2 and name[0] == "|" and name[-1] == "|" \
@@ -303,6 +308,13 @@ def _plain(name):
                              name[1:-1]):
         return name[1:-1]
     return name
+
+
+def _plain_sort(sort):
+    """A sort as text with every symbol in its plain form."""
+    if isinstance(sort, list):
+        return "(" + " ".join(_plain_sort(x) for x in sort) + ")"
+    return _plain(sort)
 
 
 def strict_check_script(shot, model):
@@ -323,9 +335,9 @@ def strict_check_script(shot, model):
                   if k == "sort")
     for n, d in declared.items():
         e = defs[n]
-        if not aliases and ([show(p[1]) for p in e[2]]
-                            != [show(s) for s in d[2]]
-                            or show(e[3]) != show(d[3])):
+        if not aliases and ([_plain_sort(p[1]) for p in e[2]]
+                            != [_plain_sort(s) for s in d[2]]
+                            or _plain_sort(e[3]) != _plain_sort(d[3])):
             raise ModelError("value of %s has sort %s, declared %s" % (
                 n, _signature(e[2], e[3]), _signature(d[2], d[3])))
         values.scan(e[4], show(e[3]), {p[0]: show(p[1]) for p in e[2]})
@@ -383,6 +395,19 @@ def _signature(params, ret):
     return "(%s) %s" % (" ".join(args), show(ret)) if args else show(ret)
 
 
+def _is_const_array(head):
+    """Whether `head` is the `(as const S)` of a constant array."""
+    return (isinstance(head, list) and len(head) == 3 and head[0] == "as"
+            and head[1] == "const")
+
+
+def _array_sorts(sort):
+    """The index and element sorts (as text) of an array sort, or Nones."""
+    if isinstance(sort, list) and len(sort) == 3 and sort[0] == "Array":
+        return show(sort[1]), show(sort[2])
+    return None, None
+
+
 class AbstractValues:
     """The undeclared constants of model values, with the sorts that their
     places give them, renamed apart from every name of the script."""
@@ -417,6 +442,20 @@ class AbstractValues:
         elif isinstance(head, str) and head in self.declared:
             for a, s in zip(term[1:], self.declared[head][2]):
                 self.scan(a, show(s), params)
+        elif _is_const_array(head) and len(term) == 2:
+            self.scan(term[1], _array_sorts(head[2])[1], params)
+        elif head == "store" and len(term) == 4:
+            sort = want or self._sort_of(term[1], params)
+            index, element = _array_sorts(parse(sort)[0]) if sort else (None,
+                                                                        None)
+            self.scan(term[1], sort, params)
+            self.scan(term[2], index, params)
+            self.scan(term[3], element, params)
+        elif head == "select" and len(term) == 3:
+            sort = self._sort_of(term[1], params)
+            index = _array_sorts(parse(sort)[0])[0] if sort else None
+            self.scan(term[1], sort, params)
+            self.scan(term[2], index, params)
         elif head not in ("_", "!"):
             for a in term[1:]:
                 self.scan(a, None, params)
@@ -427,7 +466,12 @@ class AbstractValues:
 
     def _sort_of(self, term, params):
         if isinstance(term, list):
-            if term and term[0] in self.declared:
+            if term and _is_const_array(term[0]):
+                return show(term[0][2])
+            if len(term) == 4 and term[0] == "store":
+                return self._sort_of(term[1], params)
+            if term and isinstance(term[0], str) \
+                    and term[0] in self.declared:
                 return show(self.declared[term[0]][3])
             if len(term) == 3 and term[0] == "as":
                 return show(term[2])
@@ -514,7 +558,7 @@ def check_model(shot, model, z3=None, timeout=60):
     good, bad = ("unsat", "sat") if strict and not partial_division(shot) \
         else ("sat", "unsat")
     if "(error" in proc.stdout:
-        raise ModelError("z3 rejects the model: %s"
+        raise ScriptRejected("z3 rejects the model: %s"
                          % proc.stdout.strip().splitlines()[0])
     if last == bad:
         return ("an assertion is false in the model" if strict
@@ -550,7 +594,7 @@ def check_output(script_text, out, z3=None, probed=False):
             why = check_model(shots[index], model, z3)
         except ModelError as e:
             why = str(e)
-            if refused and isinstance(e, MissingValue):
+            if refused and isinstance(e, (MissingValue, ScriptRejected)):
                 result.skipped = result.skipped or why
                 continue
         if why:

@@ -90,7 +90,8 @@ def assertion(rng, atom):
 def script(rng, theory, incremental):
     """A script of `theory` (a generator module) as a list of commands."""
     sig = Signature()
-    cmds = ["(set-logic %s)" % theory.LOGIC]
+    # A generator may need a wider logic than the one it stands for.
+    cmds = ["(set-logic %s)" % getattr(theory, "SCRIPT_LOGIC", theory.LOGIC)]
     cmds += theory.declare(rng, sig)
     cmds += [sig.declare("b", [], "Bool") for _ in range(rng.randint(1, 3))]
     atom = lambda r: theory.atom(r, sig)  # noqa: E731

@@ -220,6 +220,9 @@ class ModelStore {
   void build_classes(std::vector<TermList>& classes);
   void value_classes(const std::vector<TermList>& classes);
   const Term_* class_value(const TermList& members);
+  const Term_* array_description(const TermList& members) const;
+  size_t array_depth(const Type* type) const;
+  void value_array_cells(const Term_* description);
   void apply_rewrite_steps();
   void collect_points(const std::vector<TermList>& classes);
 
@@ -311,6 +314,9 @@ class ModelTermSimplifier : public TermSimplifier {
   TermManager* d_tm;
   ModelStore::Options d_options;
   TermSimplifier* d_next = nullptr;
+  // Set while an array value is brought to its one form, whose writes
+  // must not be brought to it again.
+  bool d_in_canonical = false;
 };
 
 }  // namespace zenlo

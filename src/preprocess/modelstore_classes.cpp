@@ -122,8 +122,16 @@ void ModelStore::value_classes(const std::vector<TermList>& classes) {
   }
   // Classes without a value of their own get fresh ones, after every
   // value the theories gave is known, so that no fresh value collides.
+  // An array class that the arrays solver described by writes over terms
+  // of other classes is evaluated once those have values, the arrays of
+  // arrays last.
+  std::vector<std::pair<size_t, const TermList*>> arrays;
   for (const TermList& members : classes) {
     if (d_values.contains(members.front())) {
+      continue;
+    }
+    if (const Term_* d = array_description(members)) {
+      arrays.emplace_back(array_depth(d->get_type()), &members);
       continue;
     }
     const Term_* v = fresh_value(members.front()->get_type(), &members);
@@ -132,6 +140,71 @@ void ModelStore::value_classes(const std::vector<TermList>& classes) {
       d_values[m] = v;
     }
   }
+  std::stable_sort(arrays.begin(), arrays.end(), [](auto& x, auto& y) {
+    return x.first < y.first;
+  });
+  for (const auto& [depth, members] : arrays) {
+    (void)depth;
+    const Term_* d = array_description(*members);
+    value_array_cells(d);
+    const Term_* v = evaluate(d);
+    d_used_values.insert(v);
+    for (const Term_* m : *members) {
+      d_values[m] = v;
+    }
+  }
+}
+
+// Returns: the member that is a write chain over a constant array, as the
+// arrays solver describes a class's value; null when there is none.
+const Term_* ModelStore::array_description(const TermList& members) const {
+  if (!d_tm->is_array_type(members.front()->get_type())) {
+    return nullptr;
+  }
+  for (const Term_* m : members) {
+    const Term_* t = m;
+    while (d_tm->get_tag(t->get_symbol()) == SymbolTag::ARRAY_WRITE) {
+      t = t->get_child(0);
+    }
+    if (d_tm->get_tag(t->get_symbol()) == SymbolTag::ARRAY_CONST) {
+      return m;
+    }
+  }
+  return nullptr;
+}
+
+// The cells of a description name classes of the solvers' model. A term
+// that stands for such a class and that no formula holds (a read, whose
+// array's value is being made from it, or a witness index the solver
+// made) is no formula to evaluate: its class gets a fresh value of its
+// own, which no other class holds.
+void ModelStore::value_array_cells(const Term_* description) {
+  auto cell = [this](const Term_* x) {
+    if (d_values.contains(x) || is_good_model_value(x)
+        || d_tm->is_array_type(x->get_type())) {
+      return;
+    }
+    const Term_* v = fresh_value(x->get_type(), nullptr);
+    d_used_values.insert(v);
+    d_values.insert(x, v);
+  };
+  const Term_* t = description;
+  while (d_tm->get_tag(t->get_symbol()) == SymbolTag::ARRAY_WRITE) {
+    cell(t->get_child(1));
+    cell(t->get_child(2));
+    t = t->get_child(0);
+  }
+  cell(t->get_child(0));
+}
+
+size_t ModelStore::array_depth(const Type* type) const {
+  const Type* element = nullptr;
+  size_t depth = 0;
+  while (d_tm->is_array_type(type, nullptr, &element)) {
+    ++depth;
+    type = element;
+  }
+  return depth;
 }
 
 // Returns: the one value among the members (or the value the engine gave

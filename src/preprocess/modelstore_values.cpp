@@ -1,10 +1,12 @@
 // Values of a model: evaluation of ground terms, defaults and fresh values
 // by type, abstract values, and the simplifier that closes the operators'
 // open cases while a model evaluates.
+#include <algorithm>
 #include <string>
 
 #include "preprocess/modelstore.h"
 #include "terms/termmanager.h"
+#include "terms/termsimplifications_impl.h"
 
 namespace zenlo {
 
@@ -36,6 +38,127 @@ bool is_abstract(const TermManager& tm, const Term_* t) {
          && t->get_symbol()->get_name().compare(0, 1, "@") == 0;
 }
 
+// 1 equal, 0 different, -1 unknown, for values of a model, where
+// abstract values are distinct by name.
+int model_compare(TermManager& tm, const Term_* a, const Term_* b);
+
+// An array value as its cells (the outermost write wins) and its default.
+bool array_cells(TermManager& tm,
+                 const Term_* t,
+                 std::vector<std::pair<const Term_*, const Term_*>>& cells,
+                 const Term_*& fallback) {
+  while (tm.get_tag(t->get_symbol()) == SymbolTag::ARRAY_WRITE) {
+    cells.emplace_back(t->get_child(1), t->get_child(2));
+    t = t->get_child(0);
+  }
+  if (tm.get_tag(t->get_symbol()) != SymbolTag::ARRAY_CONST) {
+    return false;
+  }
+  fallback = t->get_child(0);
+  return true;
+}
+
+// The element of an array value at a value index, or null.
+const Term_* model_read(TermManager& tm, const Term_* a, const Term_* i) {
+  for (;;) {
+    SymbolTag::tag tag = tm.get_tag(a->get_symbol());
+    if (tag == SymbolTag::ARRAY_CONST) {
+      return a->get_child(0);
+    }
+    if (tag != SymbolTag::ARRAY_WRITE) {
+      return nullptr;
+    }
+    int same = model_compare(tm, a->get_child(1), i);
+    if (same == 1) {
+      return a->get_child(2);
+    }
+    if (same != 0) {
+      return nullptr;
+    }
+    a = a->get_child(0);
+  }
+}
+
+int model_compare(TermManager& tm, const Term_* a, const Term_* b) {
+  if (a == b) {
+    return 1;
+  }
+  if (is_abstract(tm, a) && is_abstract(tm, b)) {
+    return 0;
+  }
+  if (!tm.is_array_type(a->get_type())) {
+    return termsimpl::compare_values(tm, a, b);
+  }
+  std::vector<std::pair<const Term_*, const Term_*>> ca, cb;
+  const Term_* fa = nullptr;
+  const Term_* fb = nullptr;
+  if (!array_cells(tm, a, ca, fa) || !array_cells(tm, b, cb, fb)) {
+    return -1;
+  }
+  // Every written index, and the default unless a finite index sort may
+  // be covered (then unknown rather than a guess).
+  for (const auto* cells : {&ca, &cb}) {
+    for (const auto& [i, unused] : *cells) {
+      (void)unused;
+      const Term_* x = model_read(tm, a, i);
+      const Term_* y = model_read(tm, b, i);
+      if (x == nullptr || y == nullptr) {
+        return -1;
+      }
+      int r = model_compare(tm, x, y);
+      if (r != 1) {
+        return r;
+      }
+    }
+  }
+  const Type* index = nullptr;
+  tm.is_array_type(a->get_type(), &index);
+  if (tm.is_finite_domain_type(index)) {
+    return -1;
+  }
+  return model_compare(tm, fa, fb);
+}
+
+// An array value in one form per value: a cell per index, none equal to
+// the default, in the order of the indices' ids (the outermost first), so
+// that equal values are the same term and function tables keep one point
+// per value. Null when some index cannot be told apart from another.
+const Term_* canonical_array(TermManager& tm, const Term_* t) {
+  std::vector<std::pair<const Term_*, const Term_*>> cells;
+  const Term_* fallback = nullptr;
+  if (!array_cells(tm, t, cells, fallback)) {
+    return nullptr;
+  }
+  std::vector<std::pair<const Term_*, const Term_*>> kept;
+  for (const auto& [i, v] : cells) {
+    bool shadowed = false;
+    for (const auto& [k, unused] : kept) {
+      (void)unused;
+      int r = model_compare(tm, i, k);
+      if (r < 0) {
+        return nullptr;
+      }
+      shadowed |= r == 1;
+    }
+    if (!shadowed) {
+      kept.emplace_back(i, v);
+    }
+  }
+  std::sort(kept.begin(), kept.end(), [](const auto& x, const auto& y) {
+    return x.first->get_id() < y.first->get_id();
+  });
+  const Term_* out = t;
+  while (tm.get_tag(out->get_symbol()) == SymbolTag::ARRAY_WRITE) {
+    out = out->get_child(0);
+  }
+  for (auto it = kept.rbegin(); it != kept.rend(); ++it) {
+    if (model_compare(tm, it->second, fallback) != 1) {
+      out = tm.make_array_write(out, it->first, it->second);
+    }
+  }
+  return out;
+}
+
 bool is_zero_number(const TermManager& tm, const Term_* t) {
   QNumber v;
   return tm.is_number(t->get_symbol(), &v) && v.is_zero();
@@ -50,6 +173,28 @@ const Term_* ModelTermSimplifier::operator()(const Symbol* symbol,
       && is_abstract(*d_tm, args[1])) {
     // Abstract values are distinct by name: no theory need be asked.
     return args[0] == args[1] ? d_tm->make_true() : d_tm->make_false();
+  }
+  if (tag == SymbolTag::EQ && args.size() == 2
+      && d_tm->is_array_type(args[0]->get_type())) {
+    int r = model_compare(*d_tm, args[0], args[1]);
+    if (r >= 0) {
+      return r == 1 ? d_tm->make_true() : d_tm->make_false();
+    }
+  }
+  if (tag == SymbolTag::ARRAY_READ && args.size() == 2) {
+    if (const Term_* v = model_read(*d_tm, args[0], args[1])) {
+      return v;
+    }
+  }
+  if (tag == SymbolTag::ARRAY_WRITE && args.size() == 3 && !d_in_canonical) {
+    const Term_* w = d_next != nullptr ? (*d_next)(symbol, args) : nullptr;
+    if (w == nullptr) {
+      w = d_tm->do_make_term(symbol, args);
+    }
+    d_in_canonical = true;
+    const Term_* c = canonical_array(*d_tm, w);
+    d_in_canonical = false;
+    return c != nullptr ? c : w;
   }
   if (tag == SymbolTag::DIVIDE && d_options.na_div_by_zero_mode == 0
       && is_zero_number(*d_tm, args[1])) {

@@ -255,8 +255,8 @@ class IntModCongrSimpl : public SimplFun {
 };
 
 // The arguments of uninterpreted functions, and the index and element of
-// array reads and writes, in polynomial normal form. One class serves all
-// three tags; the names tell the registrations apart.
+// array writes, in polynomial normal form. One class serves both tags; the
+// names tell the registrations apart.
 class ArgArithSimpl : public SimplFun {
  public:
   const Term_* operator()(TermManager& tm,
@@ -272,7 +272,41 @@ class ArgArithSimpl : public SimplFun {
 
 class ArrayWriteSimpl : public ArgArithSimpl {};
 
-class ArrayReadSimpl : public ArgArithSimpl {};
+// Its arguments as ArgArithSimpl has them, then a read through writes at
+// indices known to differ from its own, down to a write at the same index
+// or a constant array: this is how a model answers a read, and it is valid
+// on any terms.
+class ArrayReadSimpl : public SimplFun {
+ public:
+  const Term_* operator()(TermManager& tm,
+                          const Symbol* s,
+                          TermList& args) override {
+    normalize_arith_args(tm, d_pool, args);
+    const Term_* a = args[0];
+    for (;;) {
+      SymbolTag::tag tag = tm.get_tag(a->get_symbol());
+      if (tag == SymbolTag::ARRAY_CONST) {
+        return a->get_child(0);
+      }
+      if (tag != SymbolTag::ARRAY_WRITE) {
+        break;
+      }
+      int same = compare_values(tm, a->get_child(1), args[1]);
+      if (same == 1) {
+        return a->get_child(2);
+      }
+      if (same != 0) {
+        break;
+      }
+      a = a->get_child(0);
+    }
+    args[0] = a;
+    return tm.do_make_term(s, args);
+  }
+
+ private:
+  PolyPool d_pool;
+};
 
 class UfArgArithSimpl : public ArgArithSimpl {};
 

@@ -10,6 +10,7 @@
 #include "dpll/dpllsolver.h"
 #include "preprocess/polaritychecker.h"
 #include "terms/termmanager.h"
+#include "theory/arr/arrsolverinterface.h"
 #include "theory/bv/bvsolverinterface.h"
 #include "theory/cardinalitychecker.h"
 #include "theory/check/theoryfactchecks.h"
@@ -50,6 +51,13 @@ TheoryManager::TheoryManager(const Configuration* config,
                  d_config->bv.enabled);
   if (enabled(0) && d_euf != nullptr) {
     d_card = std::make_unique<CardinalityChecker>(tm, &d_euf->get_solver());
+    if (d_config->arr.enabled) {
+      auto arr = std::make_unique<ArrSolverInterface>(config, tm, d_euf);
+      // Cells take their values from the combined model.
+      arr->set_value_source(
+          [this](const Term_* t) { return get_model_value(t); });
+      install_solver(SolverIndex::Arr, std::move(arr), true);
+    }
   }
 }
 
@@ -444,10 +452,19 @@ int TheoryManager::boolean_model_found() {
   }
   bool added = false;
   int level = generate_interface_equalities(added);
-  if (level < 0 && !added && d_card != nullptr && d_card->check()
-      && d_logger != nullptr) {
+  if (level >= 0 || added) {
+    return level;
+  }
+  if (d_card != nullptr && d_card->check() && d_logger != nullptr) {
     (*d_logger)(kSection) << loglevel(3) << "cardinality: domain lemmas"
                           << endlog;
+  }
+  // The theories agree on the shared terms: EUF's classes are a model, in
+  // which the arrays solver looks for violated instances at the next
+  // complete check.
+  constexpr int kArr = static_cast<int>(TheoryId::Arr);
+  if (enabled(kArr)) {
+    d_solvers[kArr]->build_abstract_model();
   }
   return level;
 }

@@ -235,6 +235,7 @@ class TheoryManager {
 
   // ---- Theory combination (theorymanager_combination.cpp) ------------------
   void update_interface_terms(const Term_* atom);
+  bool is_shared_application(const Term_* t) const;
   int value_solver(const Type* type) const;
   void add_interface_term(const Term_* t, Var var);
   void undo_theory_combination_info(const Term_* term, Var var);

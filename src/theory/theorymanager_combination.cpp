@@ -50,6 +50,21 @@ int TheoryManager::value_solver(const Type* type) const {
   return -1;
 }
 
+// Applications whose arguments and value congruence handles: those of
+// uninterpreted functions, and reads and writes of arrays (an extension of
+// EUF).
+bool TheoryManager::is_shared_application(const Term_* t) const {
+  if (d_tm->is_uninterpreted_function(t->get_symbol())) {
+    return true;
+  }
+  switch (d_tm->get_tag(t->get_symbol())) {
+    case SymbolTag::ARRAY_READ:
+    case SymbolTag::ARRAY_WRITE:
+    case SymbolTag::ARRAY_CONST: return true;
+    default: return false;
+  }
+}
+
 void TheoryManager::update_interface_terms(const Term_* atom) {
   if (!enabled(kEuf) || !(enabled(kLa) || enabled(kBv))
       || d_config->interface_eq_policy == 3) {
@@ -71,8 +86,7 @@ void TheoryManager::update_interface_terms(const Term_* atom) {
       continue;
     }
     d_iface_stack.insert(d_iface_stack.end(), t->begin(), t->end());
-    if (t->get_arity() == 0
-        || !d_tm->is_uninterpreted_function(t->get_symbol())) {
+    if (t->get_arity() == 0 || !is_shared_application(t)) {
       continue;
     }
     if (value_solver(t->get_type()) >= 0) {

@@ -6,16 +6,6 @@ namespace zenlo {
 
 namespace {
 
-bool has_finitely_many_values(const TermManager& tm, const Type* type) {
-  const Type* index = nullptr;
-  const Type* element = nullptr;
-  if (tm.is_array_type(type, &index, &element)) {
-    return has_finitely_many_values(tm, index)
-           && has_finitely_many_values(tm, element);
-  }
-  return tm.is_finite_domain_type(type);
-}
-
 // Congruence is sound for every sort but complete only where a sort has
 // infinitely many values: over finitely many, distinct terms can run out
 // of values, which takes counting.
@@ -33,7 +23,12 @@ TheoryId theory_of_sort(const TermManager& tm, const Type* type) {
     // Counting is the cardinality checker's, beside EUF.
     return TheoryId::Euf;
   }
-  if (has_finitely_many_values(tm, type)) {
+  if (tm.is_array_type(type)) {
+    // Over finite sorts too: extensionality instances tie an array's
+    // value to its cells, whose sorts have their own solvers.
+    return TheoryId::Arr;
+  }
+  if (tm.is_finite_domain_type(type)) {
     return TheoryId::None;
   }
   return TheoryId::Euf;

@@ -16,7 +16,7 @@ enum class TheoryId : int {
   // Boolean structure and Boolean constants: the search's own.
   Search = -2,
   // No solver decides it: quantifiers, and sorts with finitely many values
-  // that only counting would decide (enumerations, arrays over them).
+  // that only counting would decide.
   None = -1,
   Euf = 0,
   La = 1,
@@ -30,7 +30,7 @@ enum class TheoryId : int {
 // array and transcendental operators belong to their theories; equalities,
 // `ite`, uninterpreted symbols and numbers belong to the theory of their
 // sort (of the sides, for an equality), which is EUF for Bool, Int, Real,
-// declared sorts and arrays with infinitely many values.
+// declared and enumerated sorts, and the arrays solver's for arrays.
 TheoryId theory_of(const TermManager& tm, const Term_* t);
 
 // Whether EUF decides `t` on its own (or it is the search's).

@@ -195,7 +195,7 @@ static void test_bit_vectors_and_arrays(void) {
       env, arr, zenlo_make_int_number(env, 0), zenlo_make_int_number(env, 1));
   CHECK(zenlo_term_is_array_write(env, wr));
   CHECK(zenlo_term_is_array_read(
-      env, zenlo_make_array_read(env, wr, zenlo_make_int_number(env, 0))));
+      env, zenlo_make_array_read(env, wr, constant("j", tint))));
   CHECK(zenlo_term_is_array_const(
       env,
       zenlo_make_array_const(env,

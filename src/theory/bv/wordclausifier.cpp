@@ -273,7 +273,8 @@ void WordClausifier::blast_leaf(const Term_* t, BvLitList& out) {
     return;
   }
   bool app = t->get_arity() > 0 && d_apps_as_leaves
-             && d_tm->is_uninterpreted_function(s);
+             && (d_tm->is_uninterpreted_function(s)
+                 || d_tm->get_tag(s) == SymbolTag::ARRAY_READ);
   if ((t->get_arity() > 0 && !app) || !(is_bv || is_bool)) {
     throw error("not supported! " + t->to_shallow_str());
   }

@@ -36,6 +36,13 @@ bool BvFactChecker::collect(const TheoryFact& fact,
       why = "not a bit-vector term: " + t->to_shallow_str();
       return false;
     }
+    if (d_tm.get_tag(t->get_symbol()) == SymbolTag::ARRAY_READ) {
+      // A leaf, tied only to the reads of the same array term: its array
+      // is no word.
+      apps.push_back(t);
+      stack.push_back(t->get_child(1));
+      continue;
+    }
     if (t->get_arity() > 0 && d_tm.is_uninterpreted_function(t->get_symbol())) {
       apps.push_back(t);
     }
@@ -70,8 +77,13 @@ std::string BvFactChecker::check(const TheoryFact& fact) {
         if (a->get_symbol() != b->get_symbol()) {
           continue;
         }
+        const bool read =
+            d_tm.get_tag(a->get_symbol()) == SymbolTag::ARRAY_READ;
+        if (read && a->get_child(0) != b->get_child(0)) {
+          continue;
+        }
         bv::BvLitList clause;
-        for (size_t k = 0; k < a->get_arity(); ++k) {
+        for (size_t k = read ? 1 : 0; k < a->get_arity(); ++k) {
           const Term_* x = a->get_child(k);
           const Term_* y = b->get_child(k);
           const Term_* eq = d_tm.is_bool_type(x->get_type())

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "terms/termmanager.h"
+#include "theory/check/arrfactchecker.h"
 #include "theory/check/bvfactchecker.h"
 #include "theory/check/eufclosurechecker.h"
 #include "theory/check/lafactchecker.h"
@@ -46,6 +47,8 @@ TheoryFactChecks::TheoryFactChecks(TermManager& tm, int num_slots)
       std::make_unique<LaFactChecker>(tm);
   d_checkers[static_cast<int>(TheoryId::Bv)] =
       std::make_unique<BvFactChecker>(tm);
+  d_checkers[static_cast<int>(TheoryId::Arr)] =
+      std::make_unique<ArrFactChecker>(tm);
 }
 
 TheoryFactChecks::~TheoryFactChecks() = default;

@@ -21,7 +21,8 @@ class TheoryFactChecks {
  public:
   ZENLO_DECLARE_ERROR;
 
-  // After: EUF and LA have their checkers; the other slots have none.
+  // After: EUF, LA, BV and arrays have their checkers; the other slots
+  //   have none.
   TheoryFactChecks(TermManager& tm, int num_slots);
   ~TheoryFactChecks();
 

@@ -35,7 +35,9 @@ bool EufSolverInterface::owns_atom(const Term_* atom) const {
 
 std::pair<bool, bool> EufSolverInterface::tell_atom(const Term_* atom) {
   bool owns = owns_atom(atom);
+  // The arrays solver extends EUF: the values of its atoms are EUF's.
   bool wants = owns || d_config->dyn_ack > 0
+               || theory_of(*d_tm, atom) == TheoryId::Arr
                || d_tm->get_tag(atom->get_symbol()) == SymbolTag::EQ
                || d_bool_args.contains(atom);
   d_solver.tell_atom(atom);

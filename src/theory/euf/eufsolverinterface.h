@@ -116,6 +116,10 @@ class EufSolverInterface : public TheorySolver {
 
   const euf::Model& model() const { return d_model; }
 
+  // Replaces, in reasons the closure gave, each equality that another
+  // solver derived by that solver's reasons.
+  void expand_reasons(std::vector<TheoryLit>& lits);
+
   // Returns: the members of the model class of `term`, or null.
   const TermList* get_model_congruence_class(const Term_* term) const;
 
@@ -135,9 +139,6 @@ class EufSolverInterface : public TheorySolver {
     std::vector<TheoryLit> clause;
     uint32_t id;
   };
-
-  // ---- Checking ------------------------------------------------------------
-  void expand_reasons(std::vector<TheoryLit>& lits);
 
   // ---- Dynamic Ackermann (eufdynack.cpp) -----------------------------------
   void enqueue_dyn_ack_lemmas();

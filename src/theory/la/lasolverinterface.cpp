@@ -76,8 +76,9 @@ bool LaSolverInterface::mixes_uf(const Term_* atom) const {
     if (!seen.insert(t).second) {
       continue;
     }
+    SymbolTag::tag tag = d_tm->get_tag(t->get_symbol());
     if (t->get_arity() > 0
-        && d_tm->get_tag(t->get_symbol()) == SymbolTag::UNKNOWN) {
+        && (tag == SymbolTag::UNKNOWN || tag == SymbolTag::ARRAY_READ)) {
       if (numeric(t) || std::any_of(t->begin(), t->end(), numeric)) {
         return true;
       }

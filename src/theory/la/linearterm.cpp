@@ -209,6 +209,7 @@ void LinearTermMapper::make_linear(const Term_* t,
       // k <= a < k + 1, so the relaxation never needs to look inside.
       case SymbolTag::FLOOR:
       case SymbolTag::UNKNOWN:
+      case SymbolTag::ARRAY_READ:
       case SymbolTag::ITE:
         add_monomial(variable(s, false), a, out.monomials);
         break;

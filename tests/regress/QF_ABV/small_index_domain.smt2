@@ -1,0 +1,16 @@
+; Over a 1-bit index arrays that agree at both indices are equal: five
+; pairwise distinct arrays of 1-bit cells cannot exist, four can.
+(set-logic QF_ABV)
+(declare-fun a () (Array (_ BitVec 1) (_ BitVec 1)))
+(declare-fun b () (Array (_ BitVec 1) (_ BitVec 1)))
+(declare-fun c () (Array (_ BitVec 1) (_ BitVec 1)))
+(declare-fun d () (Array (_ BitVec 1) (_ BitVec 1)))
+(declare-fun e () (Array (_ BitVec 1) (_ BitVec 1)))
+(push 1)
+(assert (distinct a b c d))
+(set-info :status sat)
+(check-sat)
+(pop 1)
+(assert (distinct a b c d e))
+(set-info :status unsat)
+(check-sat)
