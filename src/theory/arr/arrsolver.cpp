@@ -229,23 +229,61 @@ Lemma Solver::take_lemma() {
   return l;
 }
 
-// A clause with a true literal says nothing; duplicates go.
+// A clause with a true literal says nothing; duplicates go. Over Bool, the
+// instance's x = y is (iff x y), which the search would not know the
+// meaning of: it becomes (x or not y) and (not x or y), its negation
+// (x or y) and (not x or not y), one clause for each choice.
 void Solver::queue(Lemma lemma) {
-  std::vector<TheoryLit>& c = lemma.clause;
-  for (TheoryLit l : c) {
+  for (TheoryLit l : lemma.clause) {
     if (l.atom() == d_tm->make_true() && !l.negated()) {
       retract_lemma(lemma.key, lemma.kind);
       return;
     }
   }
-  std::sort(c.begin(), c.end());
-  c.erase(std::unique(c.begin(), c.end()), c.end());
-  for (size_t i = 1; i < c.size(); ++i) {
-    if (c[i].atom() == c[i - 1].atom()) {
-      // p or not p: valid.
-      retract_lemma(lemma.key, lemma.kind);
-      return;
+  d_split.clear();
+  d_split.emplace_back();
+  for (TheoryLit l : lemma.clause) {
+    if (!d_iffs.contains(l.atom())) {
+      for (std::vector<TheoryLit>& c : d_split) {
+        c.push_back(l);
+      }
+      continue;
     }
+    TheoryLit x(l.atom()->get_child(0));
+    TheoryLit y(l.atom()->get_child(1));
+    if (l.negated()) {
+      y = ~y;
+    }
+    const size_t n = d_split.size();
+    for (size_t i = 0; i < n; ++i) {
+      d_split.push_back(d_split[i]);
+      d_split[i].push_back(x);
+      d_split[i].push_back(~y);
+      d_split.back().push_back(~x);
+      d_split.back().push_back(y);
+    }
+  }
+  bool any = false;
+  for (std::vector<TheoryLit>& c : d_split) {
+    std::sort(c.begin(), c.end());
+    c.erase(std::unique(c.begin(), c.end()), c.end());
+    bool valid = false;
+    for (size_t i = 1; i < c.size() && !valid; ++i) {
+      valid = c[i].atom() == c[i - 1].atom();  // p or not p
+    }
+    if (valid) {
+      continue;
+    }
+    any = true;
+    Lemma part;
+    part.kind = lemma.kind;
+    part.key = lemma.key;
+    part.clause = std::move(c);
+    d_pending.push_back(std::move(part));
+  }
+  if (!any) {
+    retract_lemma(lemma.key, lemma.kind);
+    return;
   }
   switch (lemma.kind) {
     case LemmaKind::Write: ++d_stats.write_lemmas; break;
@@ -253,7 +291,6 @@ void Solver::queue(Lemma lemma) {
     case LemmaKind::Ext: ++d_stats.ext_lemmas; break;
     case LemmaKind::Const: ++d_stats.const_lemmas; break;
   }
-  d_pending.push_back(std::move(lemma));
 }
 
 void Solver::queue_write_lemma(const Term_* w) {
@@ -262,7 +299,7 @@ void Solver::queue_write_lemma(const Term_* w) {
   Lemma l;
   l.kind = LemmaKind::Write;
   l.key = w;
-  add_lit(TheoryLit(equality(read, w->get_child(2))), l);
+  add_lit(eq_lit(read, w->get_child(2)), l);
   d_write_done.insert(w);
   queue(std::move(l));
 }
@@ -291,6 +328,30 @@ const Term_* Solver::equality(const Term_* a, const Term_* b) {
   }
   SimplificationScope raw(*d_tm, false);
   return d_tm->make_equal(a, b);
+}
+
+TheoryLit Solver::eq_lit(const Term_* a, const Term_* b) {
+  if (!d_tm->is_bool_type(a->get_type())) {
+    return TheoryLit(equality(a, b));
+  }
+  if (a == b) {
+    return TheoryLit(d_tm->make_true());
+  }
+  const Term_* t = d_tm->make_true();
+  const Term_* f = d_tm->make_false();
+  if (a == t || a == f) {
+    std::swap(a, b);
+  }
+  if (b == t || b == f) {
+    return b == t ? TheoryLit(a) : ~TheoryLit(a);
+  }
+  if (b->get_id() < a->get_id()) {
+    std::swap(a, b);
+  }
+  SimplificationScope raw(*d_tm, false);
+  const Term_* iff = d_tm->make_iff(a, b);
+  d_iffs.insert(iff);
+  return TheoryLit(iff);
 }
 
 void Solver::add_lit(TheoryLit lit, Lemma& lemma) {

@@ -176,6 +176,9 @@ class Solver {
   const Term_* rep(const Term_* t) const;
   bool known(const Term_* t) const;
   const Term_* equality(const Term_* a, const Term_* b);
+  // a = b as a literal; over Bool, a or its negation against a constant,
+  // else (iff a b), which queue() splits into clauses over a and b.
+  TheoryLit eq_lit(const Term_* a, const Term_* b);
   void add_reason(const Term_* a, const Term_* b, Lemma& lemma);
   void add_lit(TheoryLit lit, Lemma& lemma);
 
@@ -253,6 +256,9 @@ class Solver {
 
   // Instances given and not dropped by the search.
   TermSet d_write_done;
+  // The iff atoms eq_lit made, and queue()'s clauses of one instance.
+  TermSet d_iffs;
+  std::vector<std::vector<TheoryLit>> d_split;
   TermSet d_ext_done;
   TermSet d_row_done;
 

@@ -84,9 +84,9 @@ bool Solver::generate_const_lemmas() {
         Lemma l;
         l.kind = LemmaKind::Const;
         if (m != k) {
-          add_lit(~TheoryLit(equality(k, m)), l);
+          add_lit(~eq_lit(k, m), l);
         }
-        add_lit(TheoryLit(equality(e, r)), l);
+        add_lit(eq_lit(e, r), l);
         queue(std::move(l));
         made = true;
         break;
@@ -193,7 +193,7 @@ bool Solver::add_consteq_lemma(const Term_* c,
   }
   Lemma l;
   l.kind = LemmaKind::Const;
-  add_lit(TheoryLit(equality(k2->get_child(0), k->get_child(0))), l);
+  add_lit(eq_lit(k2->get_child(0), k->get_child(0)), l);
   add_path(c, k2, k, nullptr, l);
   queue(std::move(l));
   return true;
@@ -264,11 +264,11 @@ void Solver::add_row_lemma(const Term_* c, const Term_* x, const Term_* r) {
   Lemma l;
   l.kind = LemmaKind::Row;
   if (is_read(x)) {
-    add_lit(TheoryLit(equality(x, r)), l);
+    add_lit(eq_lit(x, r), l);
     add_reason(x->get_child(1), i, l);
     add_path(c, x->get_child(0), r->get_child(0), i, l);
   } else {
-    add_lit(TheoryLit(equality(x->get_child(0), r)), l);
+    add_lit(eq_lit(x->get_child(0), r), l);
     add_path(c, x, r->get_child(0), i, l);
   }
   queue(std::move(l));
@@ -289,7 +289,7 @@ void Solver::add_path(const Term_* c,
     // Entered through the base going down, through the write going up.
     add_reason(edge.down ? w->get_child(0) : w, exit, lemma);
     if (index != nullptr) {
-      add_lit(TheoryLit(equality(index, w->get_child(1))), lemma);
+      add_lit(eq_lit(index, w->get_child(1)), lemma);
     }
     exit = edge.down ? w : w->get_child(0);
     cur = edge.prev;
@@ -337,8 +337,8 @@ void Solver::row_lemma_frugal(const Term_* w, const Term_* j) {
   Lemma l;
   l.kind = LemmaKind::Row;
   l.key = make_read(*d_tm, w, j);
-  add_lit(TheoryLit(equality(j, w->get_child(1))), l);
-  add_lit(TheoryLit(equality(make_read(*d_tm, w->get_child(0), j), l.key)), l);
+  add_lit(eq_lit(j, w->get_child(1)), l);
+  add_lit(eq_lit(make_read(*d_tm, w->get_child(0), j), l.key), l);
   queue(std::move(l));
 }
 
@@ -505,8 +505,7 @@ bool Solver::ext_lemma(const Term_* a, const Term_* b) {
   l.kind = LemmaKind::Ext;
   l.key = eq;
   add_lit(TheoryLit(eq), l);
-  add_lit(~TheoryLit(equality(make_read(*d_tm, a, k), make_read(*d_tm, b, k))),
-          l);
+  add_lit(~eq_lit(make_read(*d_tm, a, k), make_read(*d_tm, b, k)), l);
   queue(std::move(l));
   return true;
 }

@@ -142,6 +142,9 @@ const Term_* ArrSolverInterface::default_element(const Type* array_type) {
   if (d_tm->is_array_type(element)) {
     return d_tm->make_array_const(element, default_element(element));
   }
+  if (d_tm->is_bool_type(element)) {
+    return d_tm->make_false();
+  }
   // A constant the model gives a value of its sort.
   std::string name = ".model-arr-const-elem." + element->to_str();
   const Symbol* s = d_tm->find_symbol(name);

@@ -34,28 +34,54 @@ std::string ArrFactChecker::check(const TheoryFact& fact) {
                     : "undecided within the splits allowed";
 }
 
-// not (a = b), a[k] = b[k], with k the witness named after a = b.
+// not (a = b), a[k] = b[k], with k the witness named after a = b. Over
+// Bool the solver states a[k] = b[k] as two clauses, so the fact is also
+// not (a = b) with a[k] and b[k] of one sign.
 bool ArrFactChecker::is_witness_instance(const TheoryFact& fact) const {
-  if (fact.lits.size() != 2) {
+  const size_t n = fact.lits.size();
+  if (n != 2 && n != 3) {
     return false;
   }
-  TheoryLit ne = fact.lits[0].negated() ? fact.lits[0] : fact.lits[1];
-  TheoryLit eq = fact.lits[0].negated() ? fact.lits[1] : fact.lits[0];
-  if (!ne.negated() || eq.negated() || tag_of(d_tm, ne.atom()) != SymbolTag::EQ
-      || tag_of(d_tm, eq.atom()) != SymbolTag::EQ) {
+  auto is_array_diseq = [this](TheoryLit l) {
+    return l.negated() && tag_of(d_tm, l.atom()) == SymbolTag::EQ
+           && d_tm.is_array_type(l.atom()->get_child(0)->get_type());
+  };
+  size_t at = 0;
+  while (at < n && !is_array_diseq(fact.lits[at])) {
+    ++at;
+  }
+  if (at == n) {
     return false;
   }
-  const Term_* x = eq.atom()->get_child(0);
-  const Term_* y = eq.atom()->get_child(1);
+  const Term_* ne = fact.lits[at].atom();
+  const Term_* x = nullptr;
+  const Term_* y = nullptr;
+  if (n == 2) {
+    TheoryLit eq = fact.lits[1 - at];
+    SymbolTag::tag tag = tag_of(d_tm, eq.atom());
+    if (eq.negated() || (tag != SymbolTag::EQ && tag != SymbolTag::IFF)) {
+      return false;
+    }
+    x = eq.atom()->get_child(0);
+    y = eq.atom()->get_child(1);
+  } else {
+    TheoryLit l1 = fact.lits[at == 0 ? 1 : 0];
+    TheoryLit l2 = fact.lits[at == 2 ? 1 : 2];
+    if (l1.negated() != l2.negated()) {
+      return false;
+    }
+    x = l1.atom();
+    y = l2.atom();
+  }
   if (tag_of(d_tm, x) != SymbolTag::ARRAY_READ
       || tag_of(d_tm, y) != SymbolTag::ARRAY_READ
       || x->get_child(1) != y->get_child(1)) {
     return false;
   }
   const Term_* k = x->get_child(1);
-  const Term_* a = ne.atom()->get_child(0);
-  const Term_* b = ne.atom()->get_child(1);
-  std::string name = ".idx" + std::to_string(ne.atom()->get_id());
+  const Term_* a = ne->get_child(0);
+  const Term_* b = ne->get_child(1);
+  std::string name = ".idx" + std::to_string(ne->get_id());
   return k->get_arity() == 0 && k->get_symbol()->get_name() == name
          && ((x->get_child(0) == a && y->get_child(0) == b)
              || (x->get_child(0) == b && y->get_child(0) == a));
@@ -249,7 +275,19 @@ bool ArrFactChecker::close() {
       if (!fresh) {
         changed |= merge(it->second, static_cast<int>(n));
       }
-      if (tag_of(d_tm, t) == SymbolTag::EQ) {
+      SymbolTag::tag tag = tag_of(d_tm, t);
+      if (tag == SymbolTag::NOT) {
+        int x = node(t->get_child(0));
+        int v = find(static_cast<int>(n));
+        if (v == find(kTrue) || v == find(kFalse)) {
+          changed |= merge(x, v == find(kTrue) ? kFalse : kTrue);
+        } else if (find(x) == find(kTrue) || find(x) == find(kFalse)) {
+          changed |= merge(static_cast<int>(n),
+                           find(x) == find(kTrue) ? kFalse : kTrue);
+        }
+      }
+      // Over Bool, iff is the equality.
+      if (tag == SymbolTag::EQ || tag == SymbolTag::IFF) {
         int a = node(t->get_child(0));
         int b = node(t->get_child(1));
         int v = find(static_cast<int>(n));
@@ -261,6 +299,8 @@ bool ArrFactChecker::close() {
           }
         } else if (find(a) == find(b)) {
           changed |= merge(static_cast<int>(n), kTrue);
+        } else if (tag == SymbolTag::IFF && disequal(a, b)) {
+          changed |= merge(static_cast<int>(n), kFalse);
         }
       }
     }
@@ -283,6 +323,11 @@ bool ArrFactChecker::disequal(int a, int b) {
     if ((x == a && y == b) || (x == b && y == a)) {
       return true;
     }
+  }
+  const int t = find(kTrue);
+  const int f = find(kFalse);
+  if ((a == t && b == f) || (a == f && b == t)) {
+    return true;
   }
   const Term_* va = nullptr;
   const Term_* vb = nullptr;

@@ -235,6 +235,40 @@ TEST_F(ArrSolverTest, RetractedAtomsTakeTheirTermsAlong) {
   EXPECT_TRUE(s.arrays().empty());
 }
 
+// Over Bool an instance's x = y would be an iff the search cannot read: it
+// comes as two clauses over x and y, each valid on its own.
+TEST_F(ArrSolverTest, BoolElementsSplitEachEqualityIntoTwoClauses) {
+  tm.set_forbid_bool_args(false);
+  const Type* bools = tm.get_array_type(index, tm.get_bool_type());
+  const Term_* p = c("p", tm.get_bool_type());
+  const Term_* a2 = c("a2", bools);
+  const Term_* b2 = c("b2", bools);
+  arr::Solver s(&tm, &euf, &config, 0);
+  s.set_model_generation(true);
+  const Term_* w = write(a2, i, p);
+  assert_lit(s, eq(b2, w));
+  std::vector<arr::Lemma> cell = take_all(s);
+  ASSERT_EQ(cell.size(), 2u);
+  for (const arr::Lemma& l : cell) {
+    EXPECT_EQ(l.kind, arr::LemmaKind::Write);
+    EXPECT_TRUE(has(l, p, false) || has(l, p, true));
+    EXPECT_TRUE(has(l, read(w, i), false) || has(l, read(w, i), true));
+  }
+  const Term_* c2 = c("c2", bools);
+  assert_lit(s, eq(a2, c2), false);
+  s.set_ready(true);
+  s.check(false);
+  std::vector<arr::Lemma> ext;
+  for (arr::Lemma& l : take_all(s)) {
+    if (l.kind == arr::LemmaKind::Ext) {
+      ext.push_back(l);
+    }
+  }
+  ASSERT_EQ(ext.size(), 2u);
+  EXPECT_EQ(ext[0].clause.size(), 3u);
+  EXPECT_EQ(ext[1].clause.size(), 3u);
+}
+
 // ---------------------------------------------------------------------------
 // The checker alone
 // ---------------------------------------------------------------------------
