@@ -1,6 +1,5 @@
 #include "theory/check/arrfactchecker.h"
 
-#include <map>
 #include <set>
 
 #include "terms/termmanager.h"
@@ -9,8 +8,6 @@ namespace zenlo {
 
 namespace {
 
-constexpr int kTrue = 0;
-constexpr int kFalse = 1;
 // Splits per fact: the solver's lemmas need none, since their index
 // disjuncts are literals of the fact.
 constexpr int kMaxSplits = 8;
@@ -189,92 +186,20 @@ bool ArrFactChecker::refute(const TheoryFact& fact,
 // ---------------------------------------------------------------------------
 
 void ArrFactChecker::clear() {
-  d_terms.assign(2, nullptr);
-  d_index.clear();
-  d_parent = {kTrue, kFalse};
+  clear_nodes();
   d_diseqs.clear();
   d_indices.clear();
   d_apart.clear();
 }
 
-int ArrFactChecker::node(const Term_* t) {
-  switch (tag_of(d_tm, t)) {
-    case SymbolTag::TRUE: return kTrue;
-    case SymbolTag::FALSE: return kFalse;
-    default: break;
-  }
-  auto it = d_index.find(t);
-  if (it != d_index.end()) {
-    return it->second;
-  }
-  int n = static_cast<int>(d_terms.size());
-  d_terms.push_back(t);
-  d_parent.push_back(n);
-  d_index.emplace(t, n);
-  return n;
-}
-
-void ArrFactChecker::add_subterms(const Term_* t) {
-  std::vector<std::pair<const Term_*, bool>> stack{{t, false}};
-  while (!stack.empty()) {
-    auto [u, expanded] = stack.back();
-    stack.pop_back();
-    if (d_index.count(u) != 0) {
-      continue;
-    }
-    if (expanded) {
-      node(u);
-      continue;
-    }
-    stack.emplace_back(u, true);
-    for (const Term_* c : *u) {
-      stack.emplace_back(c, false);
-    }
-  }
-}
-
-int ArrFactChecker::find(int n) {
-  while (d_parent[n] != n) {
-    d_parent[n] = d_parent[d_parent[n]];
-    n = d_parent[n];
-  }
-  return n;
-}
-
-bool ArrFactChecker::merge(int a, int b) {
-  a = find(a);
-  b = find(b);
-  if (a == b) {
-    return false;
-  }
-  // true and false stay roots.
-  if (b <= kFalse) {
-    std::swap(a, b);
-  }
-  d_parent[b] = a;
-  return true;
-}
-
 // Congruence and the equality atoms, until nothing changes.
 bool ArrFactChecker::close() {
   bool any = false;
+  std::set<std::pair<int, int>> seen;
   for (bool changed = true; changed;) {
-    changed = false;
-    std::map<std::vector<uintptr_t>, int> signatures;
-    std::set<std::pair<int, int>> seen;
+    changed = congruence();
     for (size_t n = 2; n < d_terms.size(); ++n) {
       const Term_* t = d_terms[n];
-      if (t->get_arity() == 0) {
-        continue;
-      }
-      std::vector<uintptr_t> key{reinterpret_cast<uintptr_t>(t->get_symbol())};
-      for (const Term_* c : *t) {
-        key.push_back(static_cast<uintptr_t>(find(node(c))));
-      }
-      auto [it, fresh] = signatures.emplace(key, static_cast<int>(n));
-      if (!fresh) {
-        changed |= merge(it->second, static_cast<int>(n));
-      }
       SymbolTag::tag tag = tag_of(d_tm, t);
       if (tag == SymbolTag::NOT) {
         int x = node(t->get_child(0));

@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "theory/check/termclosure.h"
 #include "theory/check/theoryfact.h"
 
 namespace zenlo {
@@ -27,10 +28,10 @@ class TermManager;
 class Term_;
 class Type;
 
-class ArrFactChecker : public TheoryFactChecker {
+class ArrFactChecker : public TheoryFactChecker, TermClosure {
  public:
   // Requires: `tm` outlives the checker.
-  explicit ArrFactChecker(TermManager& tm) : d_tm(tm) {}
+  explicit ArrFactChecker(TermManager& tm) : TermClosure(tm), d_tm(tm) {}
 
   std::string check(const TheoryFact& fact) override;
 
@@ -48,19 +49,12 @@ class ArrFactChecker : public TheoryFactChecker {
   bool refute(const TheoryFact& fact, std::vector<Split>& splits, int& budget);
 
   void clear();
-  int node(const Term_* t);
-  void add_subterms(const Term_* t);
-  int find(int n);
-  bool merge(int a, int b);
   bool close();
   bool instantiate(std::pair<const Term_*, const Term_*>& undecided);
   bool disequal(int a, int b);
   bool contradiction();
 
   TermManager& d_tm;
-  std::vector<const Term_*> d_terms;
-  std::unordered_map<const Term_*, int> d_index;
-  std::vector<int> d_parent;
   std::vector<std::pair<int, int>> d_diseqs;
   // The index terms by sort, with the one apart from all (null when the
   // sort is finite).

@@ -1,6 +1,5 @@
 #include "theory/check/eufclosurechecker.h"
 
-#include <map>
 #include <unordered_set>
 #include <utility>
 
@@ -8,97 +7,9 @@
 
 namespace zenlo {
 
-void EufClosureChecker::clear() {
-  d_terms.assign(2, nullptr);
-  d_index.clear();
-  d_parent = {kTrue, kFalse};
-}
-
-int EufClosureChecker::node(const Term_* t) {
-  switch (d_tm.get_tag(t->get_symbol())) {
-    case SymbolTag::TRUE: return kTrue;
-    case SymbolTag::FALSE: return kFalse;
-    default: break;
-  }
-  auto it = d_index.find(t);
-  if (it != d_index.end()) {
-    return it->second;
-  }
-  int n = static_cast<int>(d_terms.size());
-  d_terms.push_back(t);
-  d_parent.push_back(n);
-  d_index.emplace(t, n);
-  return n;
-}
-
-// Children get nodes before their parents, without recursion: terms may be
-// deep. With that order one round of congruence() settles a whole chain
-// f(f(...a)) = f(f(...b)) once a = b.
-void EufClosureChecker::add_subterms(const Term_* t) {
-  std::vector<std::pair<const Term_*, bool>> stack{{t, false}};
-  while (!stack.empty()) {
-    auto [u, expanded] = stack.back();
-    stack.pop_back();
-    if (d_index.count(u) != 0) {
-      continue;
-    }
-    if (expanded) {
-      node(u);
-      continue;
-    }
-    stack.emplace_back(u, true);
-    for (const Term_* c : *u) {
-      if (d_index.count(c) == 0) {
-        stack.emplace_back(c, false);
-      }
-    }
-  }
-}
-
-int EufClosureChecker::find(int n) {
-  while (d_parent[n] != n) {
-    d_parent[n] = d_parent[d_parent[n]];
-    n = d_parent[n];
-  }
-  return n;
-}
-
-void EufClosureChecker::merge(int a, int b) {
-  a = find(a);
-  b = find(b);
-  if (a != b) {
-    // true and false stay roots, so that truth() is one find.
-    if (a < b) {
-      std::swap(a, b);
-    }
-    d_parent[a] = b;
-    d_changed = true;
-  }
-}
-
 int EufClosureChecker::truth(int n) {
   int r = find(n);
   return r == find(kTrue) ? 1 : r == find(kFalse) ? 0 : -1;
-}
-
-// Terms with one symbol and pairwise equal arguments are equal.
-void EufClosureChecker::congruence() {
-  std::map<std::vector<uintptr_t>, int> table;
-  std::vector<uintptr_t> sig;
-  for (size_t n = 2; n < d_terms.size(); ++n) {
-    const Term_* t = d_terms[n];
-    if (t->get_arity() == 0) {
-      continue;
-    }
-    sig.assign(1, reinterpret_cast<uintptr_t>(t->get_symbol()));
-    for (const Term_* c : *t) {
-      sig.push_back(static_cast<uintptr_t>(find(node(c))));
-    }
-    auto [it, fresh] = table.emplace(sig, static_cast<int>(n));
-    if (!fresh) {
-      merge(it->second, static_cast<int>(n));
-    }
-  }
 }
 
 // (= a b): true when a ~ b; merges a and b when true; for Boolean sides,
@@ -109,7 +20,7 @@ void EufClosureChecker::rule_eq(int n, int a, int b) {
   }
   int v = truth(n);
   if (v == 1) {
-    merge(a, b);
+    join(a, b);
   } else if (v == 0) {
     if (truth(a) >= 0) {
       set_truth(b, truth(a) == 0);
@@ -173,7 +84,7 @@ void EufClosureChecker::rule(int n) {
     case SymbolTag::ITE: {
       int c = truth(child(0));
       if (c >= 0) {
-        merge(n, child(c == 1 ? 1 : 2));
+        join(n, child(c == 1 ? 1 : 2));
       }
       break;
     }
@@ -233,8 +144,7 @@ bool EufClosureChecker::domain_exhausted(
 
 void EufClosureChecker::close() {
   do {
-    d_changed = false;
-    congruence();
+    d_changed = congruence();
     for (size_t n = 2; n < d_terms.size(); ++n) {
       rule(static_cast<int>(n));
     }
@@ -242,7 +152,7 @@ void EufClosureChecker::close() {
 }
 
 std::string EufClosureChecker::check(const TheoryFact& fact) {
-  clear();
+  clear_nodes();
   for (TheoryLit l : fact.lits) {
     add_subterms(l.atom());
   }

@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "theory/check/termclosure.h"
 #include "theory/check/theoryfact.h"
 
 namespace zenlo {
@@ -21,30 +22,24 @@ class TermManager;
 class Symbol;
 class Term_;
 
-class EufClosureChecker : public TheoryFactChecker {
+class EufClosureChecker : public TheoryFactChecker, TermClosure {
  public:
-  explicit EufClosureChecker(const TermManager& tm) : d_tm(tm) {}
+  explicit EufClosureChecker(const TermManager& tm)
+      : TermClosure(tm), d_tm(tm) {}
 
   // Returns: empty when true and false, or two different numerals, end up
   //   in one class; otherwise why the literals stay consistent.
   std::string check(const TheoryFact& fact) override;
 
  private:
-  // Nodes 0 and 1 are true and false; every other node is a term.
-  static constexpr int kTrue = 0;
-  static constexpr int kFalse = 1;
+  // Merges, and notes that the closure moved.
+  void join(int a, int b) { d_changed |= merge(a, b); }
 
-  void clear();
-  int node(const Term_* t);
-  void add_subterms(const Term_* t);
-  int find(int n);
-  void merge(int a, int b);
   int truth(int n);  // 1 true, 0 false, -1 unknown
 
-  void set_truth(int n, bool value) { merge(n, value ? kTrue : kFalse); }
+  void set_truth(int n, bool value) { join(n, value ? kTrue : kFalse); }
 
   void close();
-  void congruence();
   void rule(int n);
   void rule_eq(int n, int a, int b);
   void rule_and_or(int n, bool is_and);
@@ -52,9 +47,6 @@ class EufClosureChecker : public TheoryFactChecker {
   bool domain_exhausted(const std::unordered_map<int, const Symbol*>& value);
 
   const TermManager& d_tm;
-  std::vector<const Term_*> d_terms;
-  std::unordered_map<const Term_*, int> d_index;
-  std::vector<int> d_parent;
   bool d_changed = false;
 };
 
