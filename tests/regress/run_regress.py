@@ -19,7 +19,10 @@ learnt clauses and unsat assumptions. They are options rather than a
 compile definition of the test build, because that build is also the one
 benchmarks time; an internal error they raise fails the test.
 
-usage: run_regress.py [--no-models] ZENLO FILE
+With --args "OPTS", OPTS go to zenlo as well (after the file's own), so
+that one file can be run under several configurations.
+
+usage: run_regress.py [--no-models] [--args OPTS] ZENLO FILE
 """
 import os
 import re
@@ -99,10 +102,13 @@ def run_zenlo(zenlo, args, path, text, probed):
 
 def main():
     argv = sys.argv[1:]
-    models = argv[0] != "--no-models"
+    models = "--no-models" not in argv
+    more = []
+    if "--args" in argv:
+        more = shlex.split(argv[argv.index("--args") + 1])
     zenlo, path = argv[-2], argv[-1]
     text = read(path)
-    args = CHECK_ARGS + extra_args(text)
+    args = CHECK_ARGS + extra_args(text) + more
     is_cnf = path.endswith(".cnf")
     if is_cnf and "-input=dimacs" not in args:
         args = ["-input=dimacs"] + args

@@ -86,6 +86,8 @@ class Solver {
          const Configuration::Theory::Arr* config,
          int mode);
 
+  virtual ~Solver() = default;
+
   void set_reason_expander(ReasonExpander f) { d_expand = std::move(f); }
 
   void set_termination_test(TerminationTest* t) { d_termination = t; }
@@ -99,10 +101,10 @@ class Solver {
 
   // Records the array terms below `atom` (not below an `ite`).
   // Returns: whether any was of interest.
-  bool tell_atom(const Term_* atom);
+  virtual bool tell_atom(const Term_* atom);
 
   // Requires: `atom` is the youngest told atom not yet retracted.
-  void retract_atom(const Term_* atom);
+  virtual void retract_atom(const Term_* atom);
 
   // The search dropped a lemma: the instance may be given again.
   void retract_lemma(const Term_* key, LemmaKind kind);
@@ -142,7 +144,7 @@ class Solver {
 
   const Stats& stats() const { return d_stats; }
 
- private:
+ protected:
   // How a walk reached a class: from class `prev` across the write `write`,
   // downwards (from the write to its base) or upwards (from a base to a
   // write on it). A null write marks the start.
@@ -186,8 +188,16 @@ class Solver {
   void prepare_classes();
   bool generate_write_lemmas();
   bool generate_const_lemmas();
-  bool generate_row_lemmas();
+  // The read over write instances of mode 0; another engine may find them
+  // its own way.
+  virtual bool generate_row_lemmas();
   bool generate_row_lemmas_frugal();
+
+  // Whether the model must agree with read `r`: an engine that lets some
+  // reads hold any value (they say nothing in the current model) keeps
+  // them out of it.
+  virtual bool read_in_model(const Term_* /*r*/) const { return true; }
+
   bool generate_ext_lemmas();
   bool generate_ext_lemmas(bool second);
   // Walks the weak equivalence of read `r`'s array at its index. With

@@ -422,7 +422,8 @@ bool Solver::generate_ext_lemmas(bool second) {
   return made > 0;
 }
 
-// Some read of each class at one index, with values EUF keeps apart.
+// Some read of each class at one index, with values EUF keeps apart; only
+// reads that the model follows can witness a difference in it.
 bool Solver::find_witness(const Term_* a, const Term_* b) {
   for (const Term_* ma : members(a)) {
     const auto* ra = d_reads_on.get(ma);
@@ -436,8 +437,8 @@ bool Solver::find_witness(const Term_* a, const Term_* b) {
       }
       for (const Term_* x : *ra) {
         for (const Term_* y : *rb) {
-          if (known(x) && known(y) && known(x->get_child(1))
-              && known(y->get_child(1))
+          if (known(x) && known(y) && read_in_model(x) && read_in_model(y)
+              && known(x->get_child(1)) && known(y->get_child(1))
               && rep(x->get_child(1)) == rep(y->get_child(1))
               && d_euf->are_disequal(x, y)) {
             return true;
@@ -542,7 +543,7 @@ void Solver::collect_model(hsh::HashMap<const Term_*, ClassModel>& out) {
     }
   }
   for (const Term_* r : d_reads) {
-    if (known(r)) {
+    if (known(r) && read_in_model(r)) {
       check_propagate_read(r, &out);
     }
   }

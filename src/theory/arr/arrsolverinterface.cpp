@@ -4,6 +4,7 @@
 #include <string>
 
 #include "terms/termmanager.h"
+#include "theory/arr/arrsolverlod.h"
 #include "theory/euf/eufsolverinterface.h"
 #include "theory/theoryowner.h"
 
@@ -12,55 +13,56 @@ namespace zenlo {
 ArrSolverInterface::ArrSolverInterface(const Configuration* config,
                                        TermManager* tm,
                                        EufSolverInterface* euf)
-    : TheorySolver(tm),
-      d_config(config),
-      d_euf(euf),
-      d_solver(tm,
-               &euf->get_solver(),
-               &config->theory.arr,
-               config->theory.arr.mode) {
-  if (config->theory.arr.mode != 0 && config->theory.arr.mode != 2) {
-    throw error("theory.arr.mode " + std::to_string(config->theory.arr.mode)
+    : TheorySolver(tm), d_config(config), d_euf(euf) {
+  const int mode = config->theory.arr.mode;
+  if (mode == 1) {
+    d_solver = std::make_unique<arr::ArraySolverLOD>(
+        tm, &euf->get_solver(), &config->theory.arr);
+  } else if (mode == 0 || mode == 2) {
+    d_solver = std::make_unique<arr::Solver>(
+        tm, &euf->get_solver(), &config->theory.arr, mode);
+  } else {
+    throw error("theory.arr.mode " + std::to_string(mode)
                 + " is not supported");
   }
-  d_solver.set_reason_expander(
+  d_solver->set_reason_expander(
       [euf](std::vector<TheoryLit>& lits) { euf->expand_reasons(lits); });
-  d_solver.set_model_generation(config->model_generation);
+  d_solver->set_model_generation(config->model_generation);
 }
 
 void ArrSolverInterface::set_termination_test(TerminationTest* test) {
   TheorySolver::set_termination_test(test);
-  d_solver.set_termination_test(test);
+  d_solver->set_termination_test(test);
 }
 
 std::pair<bool, bool> ArrSolverInterface::tell_atom(const Term_* atom) {
-  d_solver.tell_atom(atom);
+  d_solver->tell_atom(atom);
   return {theory_of(*d_tm, atom) == TheoryId::Arr, false};
 }
 
 void ArrSolverInterface::retract_atom(const Term_* atom) {
-  d_solver.retract_atom(atom);
+  d_solver->retract_atom(atom);
 }
 
 void ArrSolverInterface::cancel_until(int) {
-  d_solver.set_ready(false);
+  d_solver->set_ready(false);
 }
 
 bool ArrSolverInterface::check(bool approx) {
-  d_solver.check(approx);
+  d_solver->check(approx);
   return true;
 }
 
 void ArrSolverInterface::build_abstract_model() {
-  d_solver.set_ready(true);
+  d_solver->set_ready(true);
 }
 
 bool ArrSolverInterface::has_lemmas() {
-  return d_solver.has_lemmas();
+  return d_solver->has_lemmas();
 }
 
 TheoryLemma ArrSolverInterface::get_lemma(std::vector<TheoryLit>& clause) {
-  arr::Lemma l = d_solver.take_lemma();
+  arr::Lemma l = d_solver->take_lemma();
   clause.insert(clause.end(), l.clause.begin(), l.clause.end());
   TheoryLemma out;
   // An ordinary learnt clause: the search may drop it, and the instance
@@ -85,11 +87,12 @@ void ArrSolverInterface::retract_lemma(void* data) {
     return;
   }
   uint32_t id = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(data) - 1);
-  d_solver.retract_lemma(d_given[id].key, d_given[id].kind);
+  d_solver->retract_lemma(d_given[id].key, d_given[id].kind);
   d_given[id].key = nullptr;
   d_free.push_back(id);
 }
 
+// EUF holds the classes of array terms, whichever engine reads them.
 lbool ArrSolverInterface::equal_in_model(const Term_* a, const Term_* b) {
   return d_euf->equal_in_model(a, b);
 }
@@ -108,7 +111,7 @@ bool ArrSolverInterface::is_alien(const Term_* term) {
 void ArrSolverInterface::build_model() {
   d_model.clear();
   d_values.clear();
-  d_solver.collect_model(d_model);
+  d_solver->collect_model(d_model);
 }
 
 const Term_* ArrSolverInterface::get_model_value(const Term_* term) {
@@ -192,10 +195,12 @@ const Term_* ArrSolverInterface::class_value(const Term_* rep) {
 // ---------------------------------------------------------------------------
 
 TheorySolver::Stats ArrSolverInterface::get_stats() const {
-  const arr::Solver::Stats& s = d_solver.stats();
+  const arr::Solver::Stats& s = d_solver->stats();
   return {
       {"write lemmas added", std::to_string(s.write_lemmas)},
-      {"row lemmas added", std::to_string(s.row_lemmas)},
+      {d_config->theory.arr.mode == 1 ? "refinement lemmas added"
+                                      : "row lemmas added",
+       std::to_string(s.row_lemmas)},
       {"ext lemmas added", std::to_string(s.ext_lemmas)},
       {"const lemmas added", std::to_string(s.const_lemmas)},
   };

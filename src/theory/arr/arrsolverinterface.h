@@ -4,8 +4,7 @@
 // and reasons, lets it look for violated instances once the manager says
 // EUF holds a full assignment (build_abstract_model), and gives its
 // lemmas to the search. The walk mode (0, the default) and the frugal one
-// (2) share the engine; the lemmas-on-demand engine (1) is not built, and
-// asking for it is refused at construction.
+// (2) share arr::Solver; mode 1 is arr::ArraySolverLOD, lemmas on demand.
 //
 // Models: an array class's value is its constant base (or a default one)
 // with a write for each read whose walk reaches the class; the index and
@@ -16,6 +15,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "base/configuration.h"
@@ -33,7 +33,7 @@ class ArrSolverInterface : public TheorySolver {
   using ValueSource = std::function<const Term_*(const Term_*)>;
 
   // Requires: all outlive the solver.
-  // Throws: error when theory.arr.mode names an engine that is not built.
+  // Throws: error when theory.arr.mode names no engine.
   ArrSolverInterface(const Configuration* config,
                      TermManager* tm,
                      EufSolverInterface* euf);
@@ -71,7 +71,7 @@ class ArrSolverInterface : public TheorySolver {
 
   Stats get_stats() const override;
 
-  arr::Solver& engine() { return d_solver; }
+  arr::Solver& engine() { return *d_solver; }
 
  private:
   const Term_* class_value(const Term_* rep);
@@ -79,7 +79,7 @@ class ArrSolverInterface : public TheorySolver {
 
   const Configuration* d_config;
   EufSolverInterface* d_euf;
-  arr::Solver d_solver;
+  std::unique_ptr<arr::Solver> d_solver;
   ValueSource d_value;
 
   // The lemmas the search holds, by the id their handle carries.

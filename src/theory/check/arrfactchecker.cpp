@@ -78,8 +78,11 @@ bool ArrFactChecker::is_witness_instance(const TheoryFact& fact) const {
   const Term_* k = x->get_child(1);
   const Term_* a = ne->get_child(0);
   const Term_* b = ne->get_child(1);
-  std::string name = ".idx" + std::to_string(ne->get_id());
-  return k->get_arity() == 0 && k->get_symbol()->get_name() == name
+  // Either engine's name for the witness of a = b.
+  const std::string id = std::to_string(ne->get_id());
+  const std::string& name = k->get_symbol()->get_name();
+  return k->get_arity() == 0
+         && (name == ".idx" + id || name == ".array_witness" + id)
          && ((x->get_child(0) == a && y->get_child(0) == b)
              || (x->get_child(0) == b && y->get_child(0) == a));
 }

@@ -8,6 +8,7 @@
 
 #include "terms/termmanager.h"
 #include "theory/arr/arrsolver.h"
+#include "theory/arr/arrsolverlod.h"
 #include "theory/check/arrfactchecker.h"
 #include "theory/euf/eufsolver.h"
 
@@ -267,6 +268,63 @@ TEST_F(ArrSolverTest, BoolElementsSplitEachEqualityIntoTwoClauses) {
   ASSERT_EQ(ext.size(), 2u);
   EXPECT_EQ(ext[0].clause.size(), 3u);
   EXPECT_EQ(ext[1].clause.size(), 3u);
+}
+
+// ---------------------------------------------------------------------------
+// Lemmas on demand
+// ---------------------------------------------------------------------------
+
+// The read a[j] spreads down from b = store(a, i, v) only where i != j:
+// the refinement holds the index disjunct and the write's equality.
+TEST_F(ArrSolverTest, OnDemandRefinesReadsThatMeetWithOtherValues) {
+  arr::ArraySolverLOD s(&tm, &euf, &config);
+  const Term_* w = write(a, i, c("v", index));
+  assert_lit(s, eq(b, w));
+  assert_lit(s, eq(x, read(a, j)));
+  assert_lit(s, eq(y, read(b, j)));
+  assert_lit(s, eq(x, y), false);
+  take_all(s);
+  s.set_ready(true);
+  s.check(false);
+  std::vector<arr::Lemma> lemmas = take_all(s);
+  ASSERT_EQ(lemmas.size(), 1u) << "one refinement per conflict";
+  EXPECT_EQ(lemmas[0].kind, arr::LemmaKind::Row);
+  EXPECT_TRUE(has(lemmas[0], eq(i, j), false));
+  EXPECT_TRUE(has(lemmas[0], eq(b, w), true));
+}
+
+// A told equality of arrays gets its instance only once the model has the
+// arrays apart, over the equality's own witness, and only once. (No write
+// connects a and b: only a model to print needs the instance.)
+TEST_F(ArrSolverTest, OnDemandExtensionalityWaitsForAModelThatNeedsIt) {
+  arr::ArraySolverLOD s(&tm, &euf, &config);
+  s.set_model_generation(true);
+  const Term_* ab = eq(a, b);
+  assert_lit(s, eq(x, read(a, i)));
+  euf.push_checkpoint();
+  assert_lit(s, ab);
+  s.set_ready(true);
+  s.check(false);
+  EXPECT_FALSE(s.has_lemmas());
+  euf.backtrack(1);
+  s.set_ready(false);
+  ASSERT_TRUE(euf.push_constraint(TheoryLit(ab, true)));
+  s.set_ready(true);
+  s.check(false);
+  std::vector<arr::Lemma> lemmas = take_all(s);
+  ASSERT_EQ(lemmas.size(), 1u);
+  EXPECT_EQ(lemmas[0].kind, arr::LemmaKind::Ext);
+  const Term_* k =
+      c((".array_witness" + std::to_string(ab->get_id())).c_str(), index);
+  EXPECT_TRUE(has(lemmas[0], ab, false));
+  EXPECT_TRUE(has(lemmas[0], eq(read(a, k), read(b, k)), true));
+  // Again only while the search has not made the witness reads differ.
+  s.check(false);
+  EXPECT_TRUE(s.has_lemmas());
+  take_all(s);
+  assert_lit(s, eq(read(a, k), read(b, k)), false);
+  s.check(false);
+  EXPECT_FALSE(s.has_lemmas());
 }
 
 // ---------------------------------------------------------------------------

@@ -1,0 +1,21 @@
+; ARGS: -allow_bool_function_args=true
+; An incremental script whose model once kept a witness read of two equal
+; arrays (from an earlier check) against the reads the model follows.
+(set-logic QF_AX)
+(declare-fun a0 () (Array Bool Bool))
+(declare-fun a1 () (Array Bool Bool))
+(declare-fun a2 () (Array Bool Bool))
+(declare-fun i3 () Bool)
+(declare-fun i4 () Bool)
+(declare-fun b5 () Bool)
+(assert (= (select (store (ite (distinct a1 a2) a0 a1) i3 i3) (select (ite (distinct a1 a1) a0 a0) false)) i4))
+(assert (or (xor (distinct (= (= b5 i3) (= a1 a1)) (ite (= a2 a0) (= (select a0 b5) i4) (distinct (store (store a0 true i4) false b5) (store a1 (not b5) (select a2 i4)) (store (store a0 b5 b5) i3 false)))) (ite (= (distinct (store a0 (not false) (select a2 i4)) (store a2 i3 (select a2 i3))) (distinct a2 a1)) (= i3 (select (ite (= (not i4) i3) a2 a0) i4)) (= a0 (store (store a2 i3 i3) i3 (select a2 b5))))) (= (store a0 (select a2 i4) i3) (store (store a0 i4 b5) b5 (select a1 i3)))))
+(assert (or (distinct (store (ite (distinct a2 a1 a1) a0 a1) i4 (select a0 b5)) a1 (store (ite (= (select a2 b5) i3) a1 a1) (select a0 i4) i4)) (not (select (ite (select a1 i3) (store a1 false b5) (store a2 true i4)) false)) (= (store (store a1 i4 true) i3 (select a1 true)) a1)))
+(declare-fun a6 () (Array Bool Bool))
+(assert (or (not (= (select (store (store a1 b5 i3) i3 b5) i4) (select a6 i3))) (= (select a1 b5) b5)))
+(assert (! (xor (= (= (store (store a6 i4 i4) b5 i3) (store a6 b5 (select a2 b5))) (distinct (store a2 i4 i4) (store (store a6 b5 i3) i3 false))) (or (= (select (store a0 i3 (select a6 b5)) false) (select (ite (= false b5) a1 a6) i3)) (distinct a0 (store (store a0 i4 b5) true i4)))) :named _n607025369))
+(set-info :status sat)
+(check-sat-assuming (i3))
+(declare-fun a7 () (Array Bool Bool))
+(assert (or b5 (select a2 i3)))
+(check-sat)

@@ -1,0 +1,23 @@
+; A model after a pop that disagrees with the input in every arrays mode:
+; reads of the popped scope stay with the arrays engine, and the model of
+; a0 takes an index value that is not the one of (+ i7 1). Open.
+(set-logic QF_ALIA)
+(declare-fun a0 () (Array Int Int))
+(declare-fun a1 () (Array Int Int))
+(declare-fun i2 () Int)
+(declare-fun i3 () Int)
+(declare-fun b4 () Bool)
+(declare-fun b5 () Bool)
+(assert (or (= i3 i3) (= (store (store a1 i2 4) i3 (- i3 i3)) a1)))
+(push 1)
+(assert (ite (= (store a0 i3 (- i2 i3)) (store (store a1 i2 0) 2 (select a1 i3))) (and (=> (= (= (- i2 i3) (- i2 i3)) (< (select a0 (- i2 i2)) (- i2 i3)) (= i3 3)) (= (select (store a1 (- i3 i3) (select a0 i2)) i2) (select (ite (<= i2 0) a1 a1) i3))) (= i2 i3) (= (ite (= a1 a1) a0 a1) (store (ite (= (- i2 i3) 3) a0 a1) i2 (+ i3 2))) (not (= a1 a1))) (and (xor (and (< 5 (select a0 i2)) (= (select (store a0 i2 (select a0 i3)) i2) (select a0 (- i2 i3))) (= (- i2 i2) (select a0 i3)) (= (select (store (ite (<= (select a1 i2) 3) a0 a1) i3 (select a0 2)) (+ i2 1)) (select (store a0 i3 4) 3))) (or (= (+ i2 2) (select (store a0 i2 3) i2)) (= (+ i3 1) (- i2 i2)))) (=> (distinct (= (ite (<= (+ i3 1) 0) a0 (store a0 i2 4)) (store (store a0 i2 2) i2 (+ i3 1))) (= i3 i3)) (=> (< (select (store (store a1 i2 4) i2 i2) (- i2 i3)) (- i3 i2)) (= (store a1 i2 (+ i2 2)) (ite (= (select a1 i3) 4) (ite (= a1 a1) a1 a0) (store a0 i3 4))))) (= (- i2 i3) i3) (xor (= (select (store (ite (= a1 a1) a0 a1) i2 (select a1 i2)) i3) 5) (= (select (store (store a1 1 2) i3 (select a1 i3)) i3) i2)))))
+(assert (and (= (select (ite (= i3 i2) a1 a1) i2) (select a1 i2)) (= 0 i3)))
+(set-info :status unsat)
+(check-sat)
+(pop 1)
+(declare-fun a6 () (Array Int Int))
+(assert (< (select (store a0 i3 (+ i2 2)) 0) (select a6 i2)))
+(declare-fun i7 () Int)
+(assert (xor (< (select (store a6 i7 i3) i2) (select a0 (+ i7 1))) (= a0 (store (ite (< i7 5) a1 a0) i2 (+ i7 1)))))
+(set-info :status sat)
+(check-sat-assuming ((not b5) (not b4)))
