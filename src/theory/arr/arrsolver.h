@@ -31,6 +31,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -178,6 +179,9 @@ class Solver {
   const Term_* rep(const Term_* t) const;
   bool known(const Term_* t) const;
   const Term_* equality(const Term_* a, const Term_* b);
+  // The constant `name` of the index sort of `array`, made at first use,
+  // so that an instance given again names the same index.
+  const Term_* witness_index(const std::string& name, const Term_* array);
   // a = b as a literal; over Bool, a or its negation against a constant,
   // else (iff a b), which queue() splits into clauses over a and b.
   TheoryLit eq_lit(const Term_* a, const Term_* b);

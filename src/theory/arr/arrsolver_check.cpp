@@ -488,20 +488,24 @@ bool Solver::check_ext_arg_condition(const Term_* a, const Term_* b) {
   return false;
 }
 
+const Term_* Solver::witness_index(const std::string& name,
+                                   const Term_* array) {
+  const Type* index = nullptr;
+  d_tm->is_array_type(array->get_type(), &index);
+  const Symbol* s = d_tm->find_symbol(name);
+  if (s == nullptr) {
+    s = d_tm->make_symbol(name, index);
+  }
+  return d_tm->make_constant(s);
+}
+
 // a = b, or they differ at a fresh index.
 bool Solver::ext_lemma(const Term_* a, const Term_* b) {
   const Term_* eq = equality(a, b);
   if (!d_ext_done.insert(eq).second) {
     return false;
   }
-  const Type* index = nullptr;
-  d_tm->is_array_type(a->get_type(), &index);
-  std::string name = ".idx" + std::to_string(eq->get_id());
-  const Symbol* s = d_tm->find_symbol(name);
-  if (s == nullptr) {
-    s = d_tm->make_symbol(name, index);
-  }
-  const Term_* k = d_tm->make_constant(s);
+  const Term_* k = witness_index(".idx" + std::to_string(eq->get_id()), a);
   Lemma l;
   l.kind = LemmaKind::Ext;
   l.key = eq;

@@ -41,29 +41,19 @@ void ArraySolverLOD::queue_ext(const Term_* eq) {
   if (!d_ext_done.insert(eq).second) {
     return;
   }
-  const Type* index = nullptr;
-  d_tm->is_array_type(eq->get_child(0)->get_type(), &index);
-  std::string name = ".array_witness" + std::to_string(eq->get_id());
-  const Symbol* s = d_tm->find_symbol(name);
-  if (s == nullptr) {
-    s = d_tm->make_symbol(name, index);
-  }
-  const Term_* k = d_tm->make_constant(s);
+  const Term_* k = witness_index(
+      ".array_witness" + std::to_string(eq->get_id()), eq->get_child(0));
   const Term_* x = make_read(*d_tm, eq->get_child(0), k);
   const Term_* y = make_read(*d_tm, eq->get_child(1), k);
   d_witness_of[x] = eq;
   d_witness_of[y] = eq;
-  d_witness_x[eq] = x;
+  d_witness_reads[eq] = {x, y};
   Lemma l;
   l.kind = LemmaKind::Ext;
   l.key = eq;
   add_lit(TheoryLit(eq), l);
   add_lit(~eq_lit(x, y), l);
   queue(std::move(l));
-}
-
-const Term_* ArraySolverLOD::witness_y(const Term_* eq, const Term_* x) {
-  return make_read(*d_tm, eq->get_child(1), x->get_child(1));
 }
 
 // A witness read says something only while its arrays differ: when they
@@ -125,9 +115,9 @@ bool ArraySolverLOD::generate_row_lemmas() {
     if (d_ext_done.contains(eq)) {
       // Given once, and given again when its witness reads are not kept
       // apart: then the instance went with a pop, or the search forgot it.
-      const Term_* const* x = d_witness_x.get(eq);
-      if (x != nullptr && known(*x) && known(witness_y(eq, *x))
-          && d_euf->are_disequal(*x, witness_y(eq, *x))) {
+      const auto* xy = d_witness_reads.get(eq);
+      if (xy != nullptr && known(xy->first) && known(xy->second)
+          && d_euf->are_disequal(xy->first, xy->second)) {
         continue;
       }
       d_ext_done.erase(eq);

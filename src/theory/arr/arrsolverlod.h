@@ -77,14 +77,13 @@ class ArraySolverLOD : public Solver {
   void add_chain(int32_t item, Lemma& lemma);
   void queue_ext(const Term_* eq);
   bool witness_needed(const Term_* r) const;
-  // The read of the equality's second array at the witness of `x`.
-  const Term_* witness_y(const Term_* eq, const Term_* x);
 
-  // The told equalities between arrays, and the witness reads of their
-  // instances with the equality each belongs to.
+  // The told equalities between arrays; the equality each witness read
+  // belongs to, and each equality's two witness reads.
   std::vector<const Term_*> d_array_eqs;
   TermMap d_witness_of;
-  TermMap d_witness_x;
+  hsh::HashMap<const Term_*, std::pair<const Term_*, const Term_*>>
+      d_witness_reads;
 
   // Per check.
   std::vector<Item> d_items;
